@@ -61,7 +61,10 @@ class mirel_string {
   /// The text without its leading blanks (0x20 only).
   mirel_string ltrim() const;
 
+  /// Exact, over at most this string's capacity: one whose allocation failed equals every other string.
   bool operator==(const mirel_string& other) const;
+  /// Exact, without an allocation.
+  bool operator==(const char* other) const;
   mirel_string& operator+=(const mirel_string& other);
   friend mirel_string operator+(const mirel_string& a, const mirel_string& b);
 

@@ -24,15 +24,19 @@ unsigned int sqloPdbCommFncInit();
 unsigned int sqloPdbCommFncTerm();
 
 unsigned int sqloPdbCreateSocket(int* handle, int options);
-/// Resolves a host name or a numeric address. The last two arguments are 10 and 1.
+/// Resolves a host name or a numeric address; no name at all is an error, not this machine. The last two
+/// arguments are 10 and 1.
 unsigned int sqloPdbTcpIpResolveHostName(const char* host, SqloHostAddress* address, int retries,
                                          int options);
-/// Builds a node address from a resolved host; `type` is 0. Only the low 16 bits of the port can be valid.
+/// Builds a node address from a resolved host; `type` is 0. Valid ports are 1 to 65535.
 unsigned int sqloPdbInitNodeAddrHndl(int type, SqloNodeAddress* node, const SqloHostAddress* address,
                                      unsigned int port);
-/// Connects; tries every address that the host name resolved to, in order.
+/// Connects; tries every address that the host name resolved to, in order, for half a minute in all. A
+/// failed try leaves the socket ready for the next one.
 unsigned int sqloPdbConnectSocket(int handle, const SqloNodeAddress* node);
-/// Sends up to `count` bytes; `*sent` tells how many went.
+/// Sends up to `count` bytes; `*sent` tells how many went. Waits while the peer takes nothing; one that has
+/// vanished ends as an error after about two minutes, here and in `sqloPdbRecvBuffer`. Never raises
+/// SIGPIPE.
 unsigned int sqloPdbSendBuffer(int handle, const void* data, unsigned int count, unsigned int* sent);
 /// Receives up to `size` bytes, waiting at most `waitSeconds`. A wait that runs out succeeds with a count
 /// of 0; SQLO_PDB_PEER_CLOSED tells the orderly end; any other code is an error that will not pass.

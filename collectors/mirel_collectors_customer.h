@@ -1,0 +1,27 @@
+#pragma once
+
+#include "common/mirel_string.h"
+
+/// The customer's contact facts, as the operator gave them on the command line.
+class CustomerCollector {
+ public:
+  /// Mind the order. A fact that was not given is passed as the empty text.
+  void setCustomerInfo(mirel_string name, mirel_string company, mirel_string email, mirel_string country,
+                       mirel_string address, mirel_string telephone);
+
+  /// Nothing to gather; the collectors are asked alike.
+  void collect() {}
+
+  /// "name", "company", "address", "telephone", "email", "country", "ip". Before they are set, and for "ip"
+  /// and any other item, "null".
+  mirel_string collect_customer(const mirel_string& item) const;
+
+ private:
+  mirel_string m_name = "null";
+  mirel_string m_company = "null";
+  mirel_string m_address = "null";
+  mirel_string m_telephone = "null";
+  mirel_string m_email = "null";
+  mirel_string m_country = "null";
+  mirel_string m_ip = "null";
+};

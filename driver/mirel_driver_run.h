@@ -1,0 +1,5 @@
+#pragma once
+
+/// One whole run of the collector, from the command line to the delivered result. Returns the exit status,
+/// 0 however the run went; only a template with a syntax error ends the process from within, with 255.
+int run(int argc, char** argv);

@@ -1,0 +1,82 @@
+#include "generator/mirel_generator_walk.h"
+
+#include <utility>
+
+namespace {
+
+/// The key that the third word of a "$foreach" key names: the brackets, or whatever stands there, go.
+mirel_string withoutBrackets(const mirel_string& word) {
+  return word.length() < 2 ? "" : word.substr(1, word.length() - 2);
+}
+
+}  // namespace
+
+void Generator::set(const mirel_string& database, CustomerCollector* customer) {
+  if (database.length() > 1) {
+    const SQLRETURN code = m_connection.connect(database);
+    if (code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO)
+      m_databaseName = database;
+  }
+  m_customer = customer;
+  m_instance.collect();
+  m_platform.collect();
+  m_customer->collect();
+}
+
+void Generator::visit(Value*) {}
+
+void Generator::visit(PrimitiveValue*) {}
+
+void Generator::visit(ObjectValue* object) {
+  const std::vector<KeyValuePair*> members = object->getValues();
+  for (KeyValuePair* member : members)
+    member->accept(*this);
+}
+
+void Generator::visit(ArrayValue* array) {
+  for (unsigned long i = 0; i < array->size(); ++i)
+    if (Value* element = (*array)[i])
+      element->accept(*this);
+}
+
+void Generator::visit(KeyValuePair* pair) {
+  const std::vector<mirel_string> words = split_args(pair->getKey(), mirel_string::npos);
+  if (words.size() >= 3 && words[0] == "$foreach") {
+    expand(pair, words[1], withoutBrackets(words[2]));
+    return;
+  }
+  Value* value = pair->getValue();
+  if (auto* primitive = dynamic_cast<PrimitiveValue*>(value))
+    parseAndExecute(primitive, pair);
+  else if (value != nullptr)
+    value->accept(*this);
+}
+
+void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
+  auto* copies = new ArrayValue;
+  if (variable == "db" && m_databaseName.length() > 0)
+    copies->push_back(runForDatabase(pair));
+  else if (variable == "table")
+    copies->push_back(cloneAndRun(pair));
+  pair->setKey(std::move(outputKey));
+  pair->setValue(copies);
+}
+
+/// The directory entry lives as long as the evaluation that asks about it.
+Value* Generator::runForDatabase(const KeyValuePair* pair) {
+  katoDbDirInfoV9 entry = {};
+  m_databaseName.upper().copy_to(entry.alias, sizeof entry.alias);
+  const unsigned long behindTerminator = m_databaseName.length() + 1;
+  if (behindTerminator < sizeof entry.alias)
+    entry.alias[behindTerminator] = ' ';
+  m_instance.setDb(&entry);
+  return cloneAndRun(pair);
+}
+
+Value* Generator::cloneAndRun(const KeyValuePair* pair) {
+  const Value* value = pair->getValue();
+  Value* copy = value == nullptr ? nullptr : value->clone();
+  if (copy != nullptr)
+    copy->accept(*this);
+  return copy;
+}

@@ -1,0 +1,57 @@
+#include "http/mirel_http_client.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+#include "common/mirel_common_builder.h"
+
+namespace {
+
+constexpr unsigned long kNameSize = 255;
+
+mirel_string localName() {
+  char name[kNameSize + 1] = {};
+  gethostname(name, kNameSize);
+  return name;
+}
+
+}  // namespace
+
+HttpClient::HttpClient(mirel_string host, unsigned long port)
+    : m_host(std::move(host)), m_localName(localName()), m_port(port) {}
+
+mirel_string HttpClient::get(const mirel_string& path) {
+  mirel_string_builder request;
+  request.append("GET ");
+  request.append(path);
+  request.append(" HTTP/1.1\r\nHost: ");
+  request.append(m_localName);
+  request.append("\r\n\r\n");
+  const mirel_string response = exchange(request.take());
+  // Not found plus 4 is position 3.
+  return response.substr(response.find("\r\n\r\n", 0) + 4, mirel_string::npos);
+}
+
+mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body) {
+  mirel_string_builder request;
+  request.append("POST ");
+  request.append(path);
+  request.append(" HTTP/1.1\r\nHost: ");
+  request.append(m_localName);
+  request.append("\r\nContent-Length: ");
+  request.append(mirel_string(body.length()));
+  request.append("\r\n\r\n");
+  request.append(body);
+  return exchange(request.take());
+}
+
+mirel_string HttpClient::exchange(const mirel_string& request) {
+  if (!m_socket.open(m_host, m_port))
+    return "";
+  // Also when the request did not go out whole: the server may have said why.
+  m_socket.send(request);
+  mirel_string response = m_socket.recv();
+  m_socket.close();
+  return response;
+}

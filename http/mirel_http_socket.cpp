@@ -1,0 +1,66 @@
+#include "http/mirel_http_socket.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+
+#include "common/mirel_common_builder.h"
+#include "http/mirel_http_response.h"
+
+namespace {
+
+constexpr unsigned long kChunk = 1024;
+constexpr int kWaitSeconds = 5;
+
+bool failed(const char* message) {
+  std::cerr << message << std::endl;
+  return false;
+}
+
+}  // namespace
+
+bool Socket::open(const mirel_string& host, unsigned long port) {
+  if (sqloPdbCreateSocket(&m_socket, 0) != 0)
+    return failed("failed to create socket");
+  SqloHostAddress address = {};
+  if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0)
+    return failed("failed to get hostname");
+  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0)
+    return failed("failed to init node addr handle");
+  if (sqloPdbConnectSocket(m_socket, &m_addr) != 0)
+    return failed("failed to connect");
+  return true;
+}
+
+bool Socket::send(const mirel_string& data) {
+  unsigned long offset = 0;
+  while (offset < data.length()) {
+    const unsigned long chunk = std::min(kChunk, data.length() - offset);
+    unsigned int sent = 0;
+    if (sqloPdbSendBuffer(m_socket, data.c_str() + offset, static_cast<unsigned int>(chunk), &sent) != 0) {
+      std::cout << "failed to send: " << mirel_string(data.c_str() + offset, chunk) << std::endl;
+      return false;
+    }
+    offset += sent;
+  }
+  return true;
+}
+
+mirel_string Socket::recv() {
+  mirel_string_builder text;
+  HttpResponse response;
+  char buffer[kChunk + 1];
+  for (bool more = true; more;) {
+    unsigned int received = 0;
+    const unsigned int code = sqloPdbRecvBuffer(m_socket, buffer, kChunk, &received, kWaitSeconds, 0);
+    const unsigned long count = std::min<unsigned long>(received, kChunk);
+    text.append(buffer, strnlen(buffer, count));
+    // A wait that ran out is no error and brought nothing. Errors would come again for ever.
+    more = !response.receive(buffer, count) && code == 0;
+  }
+  return text.take();
+}
+
+bool Socket::close() {
+  return sqloPdbCloseSocket(m_socket) == 0 || failed("failed to close socket");
+}

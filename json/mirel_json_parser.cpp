@@ -1,0 +1,206 @@
+#include "json/mirel_json_parser.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <utility>
+
+#include "json/mirel_json_value.h"
+#include "json/mirel_json_writer.h"
+
+namespace {
+
+using enum JsonTokenType;
+
+constexpr const char* TokenStrings[] = {"{", "}", "[", "]", ",", ":", "string"};
+constexpr unsigned long kDeepest = 1000;
+
+const char* nameOf(JsonTokenType type) {
+  return TokenStrings[static_cast<int>(type)];
+}
+
+bool isBlank(char character) {
+  return character == ' ' || character == '\n' || character == '\r' || character == '\t';
+}
+
+}  // namespace
+
+JsonParser::JsonParser() : m_input("") {}
+
+Value* JsonParser::parse(mirel_string text) {
+  m_input = std::move(text);
+  m_line = 1;
+  m_column = m_position = m_depth = 0;
+  m_seen = mirel_string::npos;
+
+  Value* root = nullptr;
+  if (nextTokenIs(openBrace))
+    parseObject(&root);
+  else if (nextTokenIs(openBracket))
+    parseArray(&root);
+  else
+    fail({openBrace, openBracket});
+  return root;
+}
+
+bool JsonParser::parseObject(Value** out) {
+  auto* object = new ObjectValue("");
+  *out = object;
+  open(openBrace);
+  if (nextTokenIs(closeBrace)) {
+    --m_depth;
+    return true;
+  }
+  bool more = true;
+  do {
+    KeyValuePair* pair = nullptr;
+    more = parsePair(&pair);
+    object->addValue(pair);
+  } while (more && nextTokenIs(comma) && consume());
+  return close(closeBrace);
+}
+
+bool JsonParser::parseArray(Value** out) {
+  auto* array = new ArrayValue;
+  *out = array;
+  open(openBracket);
+  if (nextTokenIs(closeBracket)) {
+    --m_depth;
+    return true;
+  }
+  bool more = true;
+  do {
+    Value* element = nullptr;
+    more = parseValue(&element);
+    array->push_back(element);
+  } while (more && nextTokenIs(comma) && consume());
+  return close(closeBracket);
+}
+
+bool JsonParser::parsePair(KeyValuePair** out) {
+  expect(string);
+  mirel_string key = m_token.text;
+  expect(colon);
+  Value* value = nullptr;
+  const bool more = parseValue(&value);
+  *out = new KeyValuePair(std::move(key), value);
+  return more;
+}
+
+bool JsonParser::parseValue(Value** out) {
+  if (nextTokenIs(openBrace))
+    return parseObject(out);
+  if (nextTokenIs(openBracket))
+    return parseArray(out);
+  if (!nextTokenIs(string))
+    fail({openBrace, openBracket, string});
+  consume();
+  *out = new PrimitiveValue(m_token.text);
+  return true;
+}
+
+void JsonParser::open(JsonTokenType bracket) {
+  if (nextTokenIs(bracket) && m_depth == kDeepest)
+    fail({string});
+  expect(bracket);
+  ++m_depth;
+}
+
+bool JsonParser::close(JsonTokenType bracket) {
+  --m_depth;
+  // Both kinds of container name the bracket here.
+  if (atEnd() || (m_token.type != bracket && m_token.type != comma))
+    fail({comma, closeBracket});
+  return nextTokenIs(bracket) && consume();
+}
+
+void JsonParser::expect(JsonTokenType expected) {
+  if (!nextTokenIs(expected))
+    fail({expected});
+  consume();
+}
+
+bool JsonParser::nextTokenIs(JsonTokenType expected) {
+  skipWhitespace();
+  if (m_seen != m_position) {
+    m_seenToken = recognise();
+    m_seen = m_position;
+  }
+  return m_seenToken && m_token.type == expected;
+}
+
+bool JsonParser::consume() {
+  m_position += m_token.length;
+  m_column += m_token.length;
+  return true;
+}
+
+void JsonParser::skipWhitespace() {
+  for (; !atEnd() && isBlank(m_input.at(m_position)); ++m_position) {
+    if (m_input.at(m_position) == '\n') {
+      ++m_line;
+      m_column = 0;
+    } else {
+      ++m_column;
+    }
+  }
+}
+
+bool JsonParser::recognise() {
+  const char character = m_input.at(m_position);
+  if (atEnd()) {
+    // Nothing at the end is ever what is expected, but a quote is shown as the string it would begin.
+    if (character == '"')
+      m_token = {"", string, 2};
+    return false;
+  }
+  if (character == '"')
+    return recogniseString();
+  for (JsonTokenType type : {openBrace, closeBrace, openBracket, closeBracket, comma, colon}) {
+    if (character != *nameOf(type))
+      continue;
+    m_token.type = type;
+    m_token.length = 1;
+    return true;
+  }
+  return false;
+}
+
+bool JsonParser::recogniseString() {
+  const char* text = m_input.c_str();
+  const unsigned long begin = m_position + 1;
+  unsigned long end = begin;
+  while (end < m_input.length() && text[end] != '"')
+    end += text[end] == '\\' && text[end + 1] == '"' ? 2 : 1;
+  if (end >= m_input.length() && m_input.at(end) != '"') {
+    m_column += m_input.length() - m_position;
+    m_position = m_input.length();
+    return false;
+  }
+  const mirel_string raw(text + begin, end - begin);
+  m_token.text = memchr(raw.c_str(), '\\', raw.length()) == nullptr ? raw : reverseEscape(raw);
+  m_token.type = string;
+  m_token.length = end - begin + 2;
+  return true;
+}
+
+void JsonParser::fail(const std::vector<JsonTokenType>& expected) const {
+  printParseError(expected, m_token.type, m_token.text, m_line, m_column);
+}
+
+void JsonParser::printParseError(const std::vector<JsonTokenType>& expected, JsonTokenType actual,
+                                 const mirel_string& actualText, unsigned long line, unsigned long column) {
+  std::cout << "Expecting one of: (";
+  const char* separator = "";
+  for (JsonTokenType type : expected) {
+    std::cout << separator << '"' << nameOf(type) << '"';
+    separator = ", ";
+  }
+  std::cout << "); Actual: ";
+  if (actual == string)
+    std::cout << "string \"" << actualText;
+  else
+    std::cout << '"' << nameOf(actual);
+  std::cout << "\" on line " << line << " column " << column + 1 << std::endl;
+  std::exit(-1);
+}

@@ -1,0 +1,141 @@
+#include "json/mirel_json_value.h"
+
+#include <utility>
+
+namespace {
+
+Value* cloneOf(const Value* value) {
+  return value == nullptr ? nullptr : value->clone();
+}
+
+}  // namespace
+
+Value* Value::operator[](unsigned long) const {
+  return nullptr;
+}
+Value* Value::operator[](const mirel_string&) const {
+  return nullptr;
+}
+
+PrimitiveValue::PrimitiveValue(mirel_string text) : m_text(std::move(text)) {}
+
+void PrimitiveValue::setText(mirel_string text) {
+  m_text = std::move(text);
+}
+
+PrimitiveValue* PrimitiveValue::clone() const {
+  return new PrimitiveValue(*this);
+}
+
+void PrimitiveValue::accept(JsonVisitor& visitor) {
+  visitor.visit(this);
+}
+
+ArrayValue::ArrayValue(const ArrayValue& other) : Value(other) {
+  m_elements.reserve(other.m_elements.size());
+  for (const Value* element : other.m_elements)
+    push_back(cloneOf(element));
+}
+
+ArrayValue::~ArrayValue() {
+  for (const Value* element : m_elements)
+    delete element;
+}
+
+void ArrayValue::push_back(const Value* element) {
+  m_elements.push_back(element);
+}
+
+ArrayValue* ArrayValue::clone() const {
+  return new ArrayValue(*this);
+}
+
+void ArrayValue::accept(JsonVisitor& visitor) {
+  visitor.visit(this);
+}
+
+// Elements are stored as they were handed over; whoever walks the tree may change them.
+Value* ArrayValue::operator[](unsigned long index) const {
+  return const_cast<Value*>(m_elements[index]);
+}
+
+KeyValuePair::KeyValuePair(mirel_string key, Value* value) : m_key(std::move(key)), m_value(value) {}
+
+KeyValuePair::KeyValuePair(mirel_string key, mirel_string text)
+    : KeyValuePair(std::move(key), new PrimitiveValue(std::move(text))) {}
+
+KeyValuePair::~KeyValuePair() {
+  delete m_value;
+}
+
+void KeyValuePair::setKey(mirel_string key) {
+  m_key = std::move(key);
+}
+
+void KeyValuePair::setValue(Value* value) {
+  delete m_value;
+  m_value = value;
+}
+
+Value* KeyValuePair::releaseValue() {
+  return std::exchange(m_value, nullptr);
+}
+
+void KeyValuePair::accept(JsonVisitor& visitor) {
+  visitor.visit(this);
+}
+
+ObjectValue::ObjectValue(mirel_string name) : m_name(std::move(name)) {}
+
+ObjectValue::ObjectValue(const ObjectValue& other) : Value(other), m_name(other.m_name) {
+  m_members.reserve(other.m_members.size());
+  for (const KeyValuePair* member : other.m_members)
+    addValue(new KeyValuePair(member->getKey(), cloneOf(member->getValue())));
+}
+
+ObjectValue::~ObjectValue() {
+  for (KeyValuePair* member : m_members)
+    delete member;
+}
+
+void ObjectValue::addValue(KeyValuePair* member) {
+  m_members.push_back(member);
+}
+
+void ObjectValue::addObject(ObjectValue* object) {
+  addValue(new KeyValuePair(object->getName(), object));
+}
+
+KeyValuePair* ObjectValue::memberOf(const mirel_string& key) const {
+  for (KeyValuePair* member : m_members)
+    if (key == member->getKey())
+      return member;
+  return nullptr;
+}
+
+bool ObjectValue::hasKey(const mirel_string& key) const {
+  return memberOf(key) != nullptr;
+}
+
+Value* ObjectValue::search(const mirel_string& key) const {
+  const KeyValuePair* member = memberOf(key);
+  const bool found = member != nullptr && member->getValue() != nullptr;
+  return found ? member->getValue() : new ObjectValue("");
+}
+
+Value* ObjectValue::release(const mirel_string& key) {
+  KeyValuePair* member = memberOf(key);
+  return member == nullptr ? nullptr : member->releaseValue();
+}
+
+ObjectValue* ObjectValue::clone() const {
+  return new ObjectValue(*this);
+}
+
+void ObjectValue::accept(JsonVisitor& visitor) {
+  visitor.visit(this);
+}
+
+Value* ObjectValue::operator[](const mirel_string& key) const {
+  return search(key);
+}
