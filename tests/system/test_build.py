@@ -1,0 +1,64 @@
+"""What the built files must and must not contain: the seam to the machine, direction of includes, linkage."""
+import os
+import re
+import subprocess
+from pathlib import Path
+
+from conftest import ROOT
+
+RELEASE = Path(os.environ.get("MIREL_RELEASE_DIR", ROOT / "build"))
+
+# Includes go down this list, never up; platform/host/ stands apart, behind the seam.
+LAYERS = {
+    "driver": {"driver", "generator", "collectors", "db", "http", "json", "common", "platform"},
+    "generator": {"generator", "collectors", "db", "json", "common", "platform"},
+    "collectors": {"collectors", "common", "platform"},
+    "db": {"db", "json", "common", "platform"},
+    "http": {"http", "common", "platform"},
+    "json": {"json", "common"},
+    "common": {"common", "platform"},
+    "platform": set(),
+}
+
+# The only functions of the machine that the core may call by itself.
+SYSTEM_LIBRARY = set("popen fgets feof pclose getenv gethostname strcasestr toupper".split())
+LANGUAGE_RUNTIME = re.compile(
+    r"_Z(n[aw]|d[al])|_ZS|_ZNS|_ZNKS|_ZTVN10__cxxabiv|_ZT[IV]S|__cxa_|__gxx_|_Unwind_|__dso_handle|__dynamic_cast"
+    r"|__stack_chk_fail|__(mem|str|fgets|gethostname)\w*_chk$|_GLOBAL_OFFSET_TABLE_|__isoc23_strtoul"
+    r"|(mem(chr|cmp|cpy|move|set)|str(chr|cmp|cspn|len|ncmp|nlen|spn|casecmp|ncasecmp)|strtoul|strtol|atexit|exit)$")
+
+
+def tool(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+def symbols(archive, *options):
+    return {line.split()[-1] for line in tool("nm", *options, archive).splitlines() if len(line.split()) > 1}
+
+
+def test_core_reaches_the_machine_only_through_the_platform():
+    core = RELEASE / "libmirel_core.a"
+    outside = symbols(core, "--undefined-only") - symbols(core, "--defined-only")
+    headers = "".join(path.read_text() for path in (ROOT / "platform").glob("*.h"))
+    strangers = {name for name in outside
+                 if name not in SYSTEM_LIBRARY and not LANGUAGE_RUNTIME.match(name)
+                 and not re.search(rf"\b{name}\b", headers) and not name.startswith("_ZN8OSSHFile")}
+    assert strangers == set()
+    assert "_ossMemAlloc" in outside, "nm told nothing"
+
+
+def test_includes_go_down_only():
+    upward = []
+    for folder, allowed in LAYERS.items():
+        for path in list((ROOT / folder).glob("*.h")) + list((ROOT / folder).glob("*.cpp")):
+            for target in re.findall(r'#include "([^"/]+)/', path.read_text()):
+                if target not in allowed:
+                    upward.append(f"{path.name} includes {target}/")
+    assert upward == []
+
+
+def test_binary_needs_the_language_runtime_only_and_hides_its_call_level_interface():
+    needed = re.findall(r"NEEDED.*\[(\S+?)\.so", tool("readelf", "-dW", RELEASE / "mirel"))
+    assert set(needed) <= {"libc", "libstdc++", "libm", "libgcc_s"} and "libc" in needed
+    exported = tool("nm", "-D", "--defined-only", RELEASE / "mirel")
+    assert not re.search(r"\bSQL[A-Z]", exported)

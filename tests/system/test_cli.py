@@ -1,0 +1,82 @@
+"""The command line, standard output and the result file, on the real host without a database."""
+import os
+import subprocess
+
+import pytest
+from conftest import BUILD, members
+
+
+@pytest.fixture
+def instance(tmp_path):
+    """An instance directory whose commands answer quickly; gives the environment to run in."""
+    commands = {"kato": 'echo "kato $*"', "katolevel": "yes | head -1; grep SigIgn /proc/self/status",
+                "katoset": "printf 'a=1\\tb\\n'"}
+    (tmp_path / "bin").mkdir()
+    for name, text in commands.items():
+        (tmp_path / "bin" / name).write_text(f"#!/bin/sh\n{text}\n")
+        (tmp_path / "bin" / name).chmod(0o755)
+    (tmp_path / "katonodes.cfg").write_text('0 "host" 0\n')
+    return {"PATH": f"{tmp_path}/bin:{os.environ['PATH']}"}
+
+
+@pytest.mark.parametrize("arguments, output", [
+    ([], ""),
+    (["-d", "SAMPLE", "-o", "f", "--send", "--host=h"], ""),
+    (["operand", "--bogus", "-x", "--outfile"],
+     "unknown argument: --bogus\nunknown argument: -x\nunknown argument: --outfile\n"),
+])
+def test_without_support_nothing_is_collected(mirel, tmp_path, arguments, output):
+    result = mirel(*arguments)
+    assert (result.returncode, result.stdout.decode(), result.stderr) == (0, output, b"")
+    assert list(tmp_path.iterdir()) == []
+
+
+def test_default_document(mirel, instance):
+    result = mirel("-z", "-n", 'J. "Quote" Doe', "--email", " a@b ", env=instance)
+    document = dict(members(result.stdout))
+    assert (result.returncode, result.stderr) == (0, b"")
+    assert list(document) == ["tarn_version", "tarn_collection_time", "instanceInfo", "databaseInfo",
+                              "platformInfo", "customerInfo"]
+    assert document["tarn_collection_time"] == "null" and document["databaseInfo"] == []
+    facts = dict(document["instanceInfo"])
+    assert facts["versionRaw"].splitlines()[0] == "y"
+    # SIGPIPE is number 13: commands see its default action, whatever the collector does for itself.
+    assert int(facts["versionRaw"].split()[-1], 16) & 1 << 12 == 0
+    assert facts["environmentVarsRaw"] == "a=1\tb\n" and b"a=1\tb\\n" in result.stdout
+    assert facts["numberOfDatabasesRaw"] == "kato list database directory\n"
+    assert facts["nodesRaw"] == '0 "host" 0\n'
+    host = dict(document["platformInfo"])
+    assert host["osName"] == os.uname().sysname and host["osSystemName"] == os.uname().nodename
+    assert int(host["cpuOnline"]) == os.cpu_count()
+    assert int(host["diskInfoTotal"]) == os.statvfs("/").f_blocks * os.statvfs("/").f_frsize
+    assert "lo" in host["networkInfoRaw"]
+    assert [key for key, value in document["platformInfo"] if value == ""] == []
+    assert document["customerInfo"] == [
+        ("name", 'J. "Quote" Doe'), ("company", ""), ("address", ""), ("country", ""), ("telephone", ""),
+        ("email", " a@b "), ("ipaddress", "null"), ("support", "null")]
+
+
+def test_two_runs_differ_only_in_what_changed(mirel, instance):
+    changing = ("physMem", "virtMem", "swapMem", "diskInfoFree", "networkInfoRaw", "cpuSpeed")
+    first, second = ([line for line in mirel("-z", env=instance).stdout.decode().splitlines()
+                      if not any(name in line for name in changing)] for _ in range(2))
+    assert first == second and len(first) > 40
+
+
+def test_result_file_is_the_printed_text_without_its_line_end(mirel, tmp_path, instance):
+    (tmp_path / "out").write_text("x" * 100_000)
+    result = mirel("-z", "-o", "out", env=instance)
+    text, message = result.stdout.decode().rsplit("\n\nWritten to file: ", 1)
+    assert (message, (tmp_path / "out").read_text()) == ("out\n", text)
+    failed = mirel("-z", "-o", "missing/out", env=instance)
+    assert failed.returncode == 0
+    assert failed.stdout.decode().endswith("}\n\nThere was an error writing to file.\n")
+
+
+@pytest.mark.parametrize("redirection", [">&-", ">/dev/full", "| head -c 1 >/dev/null", "<&- >&- 2>&-"])
+def test_losing_standard_output_costs_neither_file_nor_status(tmp_path, instance, redirection):
+    command = f"set -o pipefail; {BUILD}/mirel -z -o out {redirection}"
+    status = subprocess.run(["bash", "-c", command], cwd=tmp_path, env=instance, timeout=60, check=False)
+    assert status.returncode == 0
+    document = (tmp_path / "out").read_text()
+    assert dict(members(document))["tarn_version"] == "1.1" and document.endswith("}")
