@@ -22,8 +22,10 @@ mirel_string CustomerCollector::collect_customer(const mirel_string& item) const
       {"email", &CustomerCollector::m_email},     {"country", &CustomerCollector::m_country},
       {"ip", &CustomerCollector::m_ip},
   };
-  for (const auto& row : kItems)
-    if (item == row.word)
+  for (const auto& row : kItems) {
+    if (item == row.word) {
       return this->*row.fact;
+    }
+  }
   return "null";
 }

@@ -16,26 +16,30 @@ mirel_string textOf(const char* field, unsigned long size) {
 /// A directory entry's alias is padded with blanks.
 mirel_string aliasOf(const katoDbDirInfoV9& entry) {
   unsigned long length = strnlen(entry.alias, sizeof entry.alias);
-  if (const void* blank = memchr(entry.alias, ' ', length))
+  if (const void* blank = memchr(entry.alias, ' ', length)) {
     length = static_cast<unsigned long>(static_cast<const char*>(blank) - entry.alias);
+  }
   return {entry.alias, length};
 }
 
 /// Reads an open file whole into a zero-filled block, so that the text ends where the file does.
 mirel_string contentOf(OSSHFile& file) {
   unsigned long size = 0;
-  if (file.getSize(&size) != 0 || size == mirel_string::npos)
+  if (file.getSize(&size) != 0 || size == mirel_string::npos) {
     return "";
+  }
   void* block = nullptr;
-  if (_ossMemAlloc(&block, nullptr, size + 1, 1, "mirel_collectors_instance", 276) != 0)
+  if (_ossMemAlloc(&block, nullptr, size + 1, 1, "mirel_collectors_instance", 276) != 0) {
     return "";
+  }
   const OSSFileReadParam wanted = {OSS_VERSION_STAMP, size, 0};
   unsigned long received = 0;
   const bool read = file.read(&wanted, block, &received) == 0;
   mirel_string content = read ? static_cast<const char*>(block) : "";
   const bool released = _ossMemFree(&block, 0, 0, "mirel_collectors_instance", 289) == 0;
-  if (read && released)
+  if (read && released) {
     file.close();
+  }
   return content;
 }
 
@@ -57,42 +61,54 @@ void InstanceCollector::setDb(const katoDbDirInfoV9* entry) {
 }
 
 mirel_string InstanceCollector::version(const mirel_string& item) const {
-  if (item == "coderelease")
+  if (item == "coderelease") {
     return textOf(m_level.codeRelease, sizeof m_level.codeRelease);
-  if (item == "version")
+  }
+  if (item == "version") {
     return textOf(m_level.version, sizeof m_level.version);
-  if (item == "buildlevel")
+  }
+  if (item == "buildlevel") {
     return textOf(m_level.buildLevel, sizeof m_level.buildLevel);
-  if (item == "ptf")
+  }
+  if (item == "ptf") {
     return textOf(m_level.fix, sizeof m_level.fix);
-  if (item == "fixpack")
+  }
+  if (item == "fixpack") {
     return m_level.fixPack;
+  }
   return "null";
 }
 
 mirel_string InstanceCollector::instance(const mirel_string& item) const {
-  if (item == "numdbs")
+  if (item == "numdbs") {
     return static_cast<unsigned int>(m_databases);
+  }
   return "null";  // "type" and "members" too: nothing tells them
 }
 
 mirel_string InstanceCollector::database(const mirel_string& item) const {
-  if (item == "seed")
+  if (item == "seed") {
     return m_configuration.seed;
-  if (item == "name")
+  }
+  if (item == "name") {
     return m_databaseName;
-  if (item == "cfgRaw")
+  }
+  if (item == "cfgRaw") {
     return executeGet(mirel_string("kato get db cfg for ") + m_databaseName);
+  }
   return "null";  // "size" too: nothing tells it
 }
 
 mirel_string InstanceCollector::table(const mirel_string& item) const {
-  if (item == "name")
+  if (item == "name") {
     return "dummyTable";
-  if (item == "rows" || item == "columns")
+  }
+  if (item == "rows" || item == "columns") {
     return "0";
-  if (item == "organization")
+  }
+  if (item == "organization") {
     return "R";
+  }
   return "null";
 }
 
@@ -105,8 +121,9 @@ void DbDirectoryScan::open() {
 }
 
 katoDbDirInfoV9* DbDirectoryScan::next() {
-  if (katoDbDirGetNextEntry(KATO_DB_DIR_VERSION, &m_nextRequest, &m_status) != 0)
+  if (katoDbDirGetNextEntry(KATO_DB_DIR_VERSION, &m_nextRequest, &m_status) != 0) {
     return nullptr;
+  }
   ++m_position;
   return m_nextRequest.entry;
 }
@@ -127,12 +144,14 @@ std::vector<mirel_string> getActiveDatabases() {
     line = end;
   }
   std::vector<mirel_string> names;
-  if (lines.size() <= 2)
+  if (lines.size() <= 2) {
     return names;
+  }
   for (const mirel_string& text : lines) {
     const char* value = strchr(text.c_str(), '=');
-    if (value != nullptr && text.find("Database name", 0) != mirel_string::npos)
+    if (value != nullptr && text.find("Database name", 0) != mirel_string::npos) {
       names.push_back(mirel_string(value + 1).ltrim());
+    }
   }
   return names;
 }
@@ -142,7 +161,8 @@ mirel_string readFile(const mirel_string& path) {
       path.replace_all("$HOME", getenv("HOME")).replace_all("$INSTANCEPATH", getInstallDirectory());
   const OSSFileOpenParam existing = {OSS_VERSION_STAMP, expanded.c_str(), 1, 1, 0, 0, 0};
   OSSHFile file;
-  if (file.open(&existing) != 0)
+  if (file.open(&existing) != 0) {
     return "";
+  }
   return contentOf(file);
 }

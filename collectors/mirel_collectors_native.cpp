@@ -30,8 +30,9 @@ constexpr Word kVocabulary[] = {
 bool nativeFact(const Collectors& collectors, const mirel_string& word, const mirel_string& item,
                 mirel_string* answer) {
   for (const Word& row : kVocabulary) {
-    if (!(word == row.word))
+    if (!(word == row.word)) {
       continue;
+    }
     *answer = row.answer(collectors, item);
     return true;
   }

@@ -66,11 +66,14 @@ constexpr Item<OSSDiskInfo> kDiskItems[] = {
 template <class Group, class Record, unsigned long count>
 mirel_string answer(const Group& group, const Item<Record> (&items)[count], const mirel_string& item,
                     const char* otherwise) {
-  if (group.code != 0 && group.code != OSS_SYSINFO_PARTIAL)
+  if (group.code != 0 && group.code != OSS_SYSINFO_PARTIAL) {
     return otherwise;
-  for (const Item<Record>& row : items)
-    if (item == row.word)
+  }
+  for (const Item<Record>& row : items) {
+    if (item == row.word) {
       return row.answer(group.record);
+    }
+  }
   return otherwise;
 }
 

@@ -18,8 +18,9 @@ constexpr unsigned int kOpenExisting = 52;
 void appendOutput(mirel_string_builder& output, FILE* stream) {
   char piece[kPieceSize];
   for (int failures = 0; feof(stream) == 0 && failures < kFailuresAllowed; ++failures) {
-    if (fgets(piece, kPieceSize, stream) == nullptr)
+    if (fgets(piece, kPieceSize, stream) == nullptr) {
       continue;
+    }
     output.append(piece, strlen(piece));
     failures = -1;
   }
@@ -29,8 +30,9 @@ void appendOutput(mirel_string_builder& output, FILE* stream) {
 
 mirel_string executeGet(const mirel_string& command) {
   FILE* stream = popen(command.c_str(), "r");
-  if (stream == nullptr)
+  if (stream == nullptr) {
     return "ERROR";
+  }
   mirel_string_builder output;
   appendOutput(output, stream);
   pclose(stream);

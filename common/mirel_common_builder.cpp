@@ -13,26 +13,31 @@ constexpr unsigned long kSmallest = 61;
 }  // namespace
 
 mirel_string_builder::~mirel_string_builder() {
-  if (m_block != nullptr)
+  if (m_block != nullptr) {
     releaseText(m_block);
+  }
 }
 
 void mirel_string_builder::append(unsigned long count, char character) {
-  if (!reserve(count))
+  if (!reserve(count)) {
     return;
+  }
   memset(m_block + m_length, character, count);
   m_length += count;
 }
 
 bool mirel_string_builder::grow(unsigned long more) {
-  if (m_failed)
+  if (m_failed) {
     return false;
+  }
   const unsigned long room = std::max({kSmallest, m_length + more, m_room * 2});
   char* block = more > mirel_string::npos / 4 ? nullptr : allocateText(room + kTail, 0, 315);
-  if (block != nullptr && m_length > 0)
+  if (block != nullptr && m_length > 0) {
     memcpy(block, m_block, m_length);
-  if (m_block != nullptr)
+  }
+  if (m_block != nullptr) {
     releaseText(m_block);
+  }
   m_block = block;
   m_room = room;
   if (block == nullptr) {
@@ -43,10 +48,12 @@ bool mirel_string_builder::grow(unsigned long more) {
 }
 
 mirel_string mirel_string_builder::take() {
-  if (m_failed)
+  if (m_failed) {
     return {nullptr, 0, 0};
-  if (m_block == nullptr)
+  }
+  if (m_block == nullptr) {
     return nullptr;
+  }
   memset(m_block + m_length, 0, kTail);
   mirel_string result(m_block, m_length, m_length + kTail);
   m_block = nullptr;

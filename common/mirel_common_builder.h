@@ -17,8 +17,9 @@ class mirel_string_builder {
   mirel_string_builder& operator=(const mirel_string_builder&) = delete;
 
   void append(const char* text, unsigned long length) {
-    if (length == 0 || !reserve(length))
+    if (length == 0 || !reserve(length)) {
       return;
+    }
     memcpy(m_block + m_length, text, length);
     m_length += length;
   }

@@ -6,8 +6,9 @@
 /// A block of `size` bytes; zero-filled for flag 1; null when there is none. `line` tags the request.
 inline char* allocateText(unsigned long size, unsigned int flag, unsigned int line) {
   void* block = nullptr;
-  if (_ossMemAlloc(&block, nullptr, size, flag, "mirel_string", line) != 0)
+  if (_ossMemAlloc(&block, nullptr, size, flag, "mirel_string", line) != 0) {
     return nullptr;
+  }
   return static_cast<char*>(block);
 }
 

@@ -30,8 +30,9 @@ mirel_string::mirel_string(const char* s) : mirel_string(s, s == nullptr ? 0 : s
 
 mirel_string::mirel_string(const char* s, unsigned long length) {
   const unsigned long count = s == nullptr ? 0 : strnlen(s, length);
-  if (strAlloc(count + kTail, count) && count > 0)
+  if (strAlloc(count + kTail, count) && count > 0) {
     memcpy(m_buffer, s, count);
+  }
 }
 
 mirel_string::mirel_string(int number) {
@@ -50,8 +51,9 @@ mirel_string::mirel_string(unsigned long number) {
 /// The capacity told afterwards is smaller than the block, so that copies take only what they need.
 template <class Number>
 void mirel_string::format(const char* pattern, Number number) {
-  if (!strAlloc(kNumberSize, 0))
+  if (!strAlloc(kNumberSize, 0)) {
     return;
+  }
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
   m_length = static_cast<unsigned long>(ossSnprintf(m_buffer, kNumberSize, pattern, number));
@@ -83,8 +85,9 @@ mirel_string& mirel_string::operator=(const mirel_string& other) {
 }
 
 mirel_string& mirel_string::operator=(mirel_string&& other) noexcept {
-  if (this == &other)
+  if (this == &other) {
     return *this;
+  }
   strFree();
   m_capacity = other.m_capacity;
   m_length = other.m_length;
@@ -100,16 +103,18 @@ void mirel_string::copyFrom(const mirel_string& other) {
     m_buffer = nullptr;
     return;
   }
-  if (strAlloc(other.m_capacity, other.m_length))
+  if (strAlloc(other.m_capacity, other.m_length)) {
     copyBounded(m_buffer, other.m_buffer, m_capacity);
+  }
 }
 
 bool mirel_string::strAlloc(unsigned long capacity, unsigned long length) {
   m_capacity = capacity;
   m_length = length;
   m_buffer = allocateText(capacity, 1, 368);
-  if (m_buffer != nullptr)
+  if (m_buffer != nullptr) {
     return true;
+  }
   m_capacity = m_length = 0;
   return false;
 }
@@ -119,30 +124,35 @@ bool mirel_string::strFree() {
 }
 
 const char& mirel_string::at(unsigned long index) const {
-  if (m_length == 0)
+  if (m_length == 0) {
     return s_terminator;
+  }
   return m_buffer[index < m_length ? index : m_length - 1];
 }
 
 void mirel_string::copy_to(char* dest, unsigned long size) const {
-  if (size > 0)
+  if (size > 0) {
     copyBounded(dest, c_str(), size);
+  }
 }
 
 mirel_string mirel_string::upper() const {
   mirel_string result(*this);
-  for (unsigned long i = 0; i < result.m_length; ++i)
+  for (unsigned long i = 0; i < result.m_length; ++i) {
     result.m_buffer[i] = static_cast<char>(toupper(static_cast<unsigned char>(result.m_buffer[i])));
+  }
   return result;
 }
 
 mirel_string mirel_string::substr(unsigned long position, unsigned long length) const {
-  if (position >= m_capacity || length == 0)
+  if (position >= m_capacity || length == 0) {
     return nullptr;
+  }
   const unsigned long count = length < m_length ? length : m_length;
   char* temporary = allocateText(count + 1, 0, 173);
-  if (temporary == nullptr)
+  if (temporary == nullptr) {
     return {nullptr, 0, 0};
+  }
   copyBounded(temporary, m_buffer + position, count + 1);
   mirel_string result(temporary);
   releaseText(temporary);
@@ -150,16 +160,18 @@ mirel_string mirel_string::substr(unsigned long position, unsigned long length) 
 }
 
 unsigned long mirel_string::find(const mirel_string& needle, unsigned long from) const {
-  if (from >= m_length)
+  if (from >= m_length) {
     return npos;
+  }
   const char* hit = strcasestr(m_buffer + from, needle.c_str());
   return hit == nullptr ? npos : static_cast<unsigned long>(hit - m_buffer);
 }
 
 mirel_string mirel_string::replace_all(const mirel_string& pattern, const mirel_string& replacement) const {
   unsigned long hit = find(pattern, 0);
-  if (hit == npos)
+  if (hit == npos) {
     return *this;
+  }
   mirel_string_builder result;
   result.append(m_buffer, hit);
   while (hit != npos && !result.failed()) {
@@ -175,8 +187,9 @@ mirel_string mirel_string::replace_all(const mirel_string& pattern, const mirel_
 
 mirel_string mirel_string::ltrim() const {
   unsigned long first = 0;
-  while (first < m_length && at(first) == ' ')
+  while (first < m_length && at(first) == ' ') {
     ++first;
+  }
   return substr(first, npos);
 }
 
@@ -208,8 +221,9 @@ mirel_string& mirel_string::operator+=(const mirel_string& other) {
 mirel_string operator+(const mirel_string& a, const mirel_string& b) {
   const unsigned long capacity = a.m_length + b.m_length + kTail;
   char* temporary = allocateText(capacity, 0, 341);
-  if (temporary == nullptr)
+  if (temporary == nullptr) {
     return {nullptr, 0, 0};
+  }
   const unsigned long head = strlen(a.c_str());
   memcpy(temporary, a.c_str(), head);
   copyBounded(temporary + head, b.c_str(), capacity - head);

@@ -60,8 +60,9 @@ void DBConnection::freeHandles() {
 }
 
 bool DBConnection::disconnect() {
-  if (!m_connected)
+  if (!m_connected) {
     return false;
+  }
   SQLDisconnect(m_dbc);
   if (m_dbc != SQL_NULL_HANDLE) {
     SQLFreeHandle(SQL_HANDLE_DBC, m_dbc);
@@ -75,13 +76,14 @@ bool DBConnection::disconnect() {
 
 ArrayValue* DBConnection::query(const mirel_string& sql) {
   auto* rows = new ArrayValue;
-  if (!open(sql))
+  if (!open(sql)) {
     return rows;
+  }
   ResultSet result(m_stmt);
   result.getCols();
   ObjectValue* row = result.fetch();
   // Only the first row may be without members; later ones count even when every column was skipped.
-  if (!row->getValues().empty()) {
+  if (!row->empty()) {
     do {
       rows->push_back(row);
       row = result.fetch();
@@ -93,8 +95,9 @@ ArrayValue* DBConnection::query(const mirel_string& sql) {
 }
 
 ObjectValue* DBConnection::queryOne(const mirel_string& sql) {
-  if (!open(sql))
+  if (!open(sql)) {
     return new ObjectValue("");
+  }
   ResultSet result(m_stmt);
   result.getCols();
   ObjectValue* row = result.fetch();
@@ -103,8 +106,9 @@ ObjectValue* DBConnection::queryOne(const mirel_string& sql) {
 }
 
 Value* DBConnection::queryValue(const mirel_string& sql, const mirel_string& column) {
-  if (!m_connected)
+  if (!m_connected) {
     return new PrimitiveValue("null");
+  }
   ObjectValue* row = queryOne(sql);
   Value* value = row->release(column.upper());
   delete row;
@@ -133,30 +137,35 @@ unsigned long DBConnection::countTables() {
     return 0;
   }
   unsigned long count = 0;
-  while (succeeded(SQLFetch(m_stmt)))
+  while (succeeded(SQLFetch(m_stmt))) {
     ++count;
+  }
   return count;
 }
 
 bool DBConnection::open(const mirel_string& sql) {
-  if (!m_connected || !allocateStatement())
+  if (!m_connected || !allocateStatement()) {
     return false;
-  if (execute(sql))
+  }
+  if (execute(sql)) {
     return true;
+  }
   freeStmt();
   return false;
 }
 
 bool DBConnection::allocateStatement() {
-  if (succeeded(SQLAllocHandle(SQL_HANDLE_STMT, m_dbc, &m_stmt)))
+  if (succeeded(SQLAllocHandle(SQL_HANDLE_STMT, m_dbc, &m_stmt))) {
     return true;
+  }
   extract_error("alloc stmt", m_stmt, SQL_HANDLE_STMT);
   return false;
 }
 
 bool DBConnection::execute(const mirel_string& statement) {
-  if (succeeded(SQLExecDirect(m_stmt, statement.c_str(), SQL_NTS)))
+  if (succeeded(SQLExecDirect(m_stmt, statement.c_str(), SQL_NTS))) {
     return true;
+  }
   extract_error("Exec Direct", m_stmt, SQL_HANDLE_STMT);
   return false;
 }
@@ -170,7 +179,8 @@ void extract_error(const char* step, SQLHANDLE handle, short handleType) {
     int nativeError = 0;
     short length = 0;
     code = SQLGetDiagRec(handleType, handle, record, state, &nativeError, message, sizeof message, &length);
-    if (succeeded(code))
+    if (succeeded(code)) {
       std::cerr << mirel_string(message, sizeof message) << std::endl;
+    }
   }
 }

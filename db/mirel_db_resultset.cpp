@@ -1,6 +1,7 @@
 #include "db/mirel_db_resultset.h"
 
 #include <cstring>
+#include <utility>
 
 #include "json/mirel_json_value.h"
 
@@ -24,6 +25,7 @@ unsigned long firstWord(const char* buffer) {
 ResultSet::ResultSet(SQLHANDLE statement) : m_stmt(statement) {}
 
 void ResultSet::getCols() {
+  std::vector<mirel_string> names;
   SQLNumResultCols(m_stmt, &m_cols);
   for (int column = 1; column <= m_cols; ++column) {
     char name[kBufferSize] = {};
@@ -34,31 +36,54 @@ void ResultSet::getCols() {
     short nullable = 0;
     SQLDescribeCol(m_stmt, static_cast<unsigned short>(column), name, kBufferSize, &nameLength, &dataType,
                    &columnSize, &decimalDigits, &nullable);
-    m_names.emplace_back(name, kBufferSize);
+    names.emplace_back(name, kBufferSize);
     m_sizes.push_back(static_cast<unsigned int>(columnSize));
   }
+  m_columns = std::make_shared<const RowColumns>(std::move(names));
 }
 
 ObjectValue* ResultSet::fetch() {
-  auto* row = new ObjectValue("");
   if (!succeeded(SQLFetch(m_stmt))) {
     m_done = true;
-    return row;
+    return new ObjectValue("");
   }
   ++m_rows;
-  for (int column = 1; column <= m_cols; ++column)
-    addColumn(row, static_cast<unsigned short>(column));
-  return row;
+  m_values.clear();
+  m_present.clear();
+  for (int column = 1; column <= m_cols; ++column) {
+    if (readColumn(static_cast<unsigned short>(column))) {
+      m_present.push_back(static_cast<unsigned short>(column));
+    }
+  }
+  return rowOfPresent();
 }
 
-void ResultSet::addColumn(ObjectValue* row, unsigned short column) const {
+bool ResultSet::readColumn(unsigned short column) {
   char buffer[kBufferSize];
   buffer[0] = '\0';
   long indicator = 0;
-  if (!succeeded(SQLGetData(m_stmt, column, SQL_C_CHAR, buffer, kBufferSize, &indicator)))
-    return;
+  if (!succeeded(SQLGetData(m_stmt, column, SQL_C_CHAR, buffer, kBufferSize, &indicator))) {
+    return false;
+  }
   // Drivers differ in the width of the indicator; its low 32 bits are what counts.
-  const bool isNull = static_cast<int>(indicator) == SQL_NULL_DATA;
-  row->addValue(new KeyValuePair(m_names[column - 1u],
-                                 isNull ? mirel_string("NULL") : mirel_string(buffer, firstWord(buffer))));
+  if (static_cast<int>(indicator) == SQL_NULL_DATA) {
+    memcpy(buffer, "NULL", sizeof "NULL");
+  }
+  m_values.insert(m_values.end(), buffer, buffer + firstWord(buffer));
+  m_values.push_back(' ');
+  return true;
+}
+
+/// Rows whose columns could all be read share their columns' names.
+ObjectValue* ResultSet::rowOfPresent() const {
+  const unsigned long length = m_values.empty() ? 0 : m_values.size() - 1;
+  const mirel_string values(m_values.data(), length);
+  if (m_present.size() == m_columns->names().size()) {
+    return new ObjectValue(Row(m_columns, values));
+  }
+  std::vector<mirel_string> names;
+  for (unsigned short column : m_present) {
+    names.push_back(m_columns->names()[column - 1u]);
+  }
+  return new ObjectValue(Row(std::make_shared<const RowColumns>(std::move(names)), values));
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "common/mirel_string.h"
 #include "platform/sqlcli.h"
 
 class ObjectValue;
+class RowColumns;
 
 /// The columns and rows of an executed statement, which it does not own.
 ///
@@ -28,12 +30,15 @@ class ResultSet {
   bool done() const { return m_done; }
 
  private:
-  void addColumn(ObjectValue* row, unsigned short column) const;
+  bool readColumn(unsigned short column);
+  ObjectValue* rowOfPresent() const;
 
   short m_cols = 0;
   bool m_done = false;
   unsigned long m_rows = 0;
   SQLHANDLE m_stmt;
-  std::vector<mirel_string> m_names;
+  std::shared_ptr<const RowColumns> m_columns;  ///< the columns' names
   std::vector<unsigned int> m_sizes;
+  std::vector<char> m_values;             ///< of the current row, a blank behind each
+  std::vector<unsigned short> m_present;  ///< the columns, counted from 1, that these values belong to
 };

@@ -31,10 +31,11 @@ void upload(const mirel_string& result, const mirel_string& host, unsigned long 
 }
 
 void save(const mirel_string& result, const mirel_string& outfile) {
-  if (writeToFile(outfile, result) == 0)
+  if (writeToFile(outfile, result) == 0) {
     std::cout << std::endl << "Written to file: " << outfile << std::endl;
-  else
+  } else {
     std::cout << std::endl << "There was an error writing to file." << std::endl;
+  }
 }
 
 }  // namespace
@@ -49,10 +50,12 @@ void writeResult(const mirel_string& result, bool send, const mirel_string& host
     upload(result, host, port);
     return;
   }
-  if (print)
+  if (print) {
     std::cout << result << std::endl;
-  if (outfile.length() > 0)
+  }
+  if (outfile.length() > 0) {
     save(result, outfile);
+  }
 }
 
 unsigned int writeToFile(const mirel_string& path, const mirel_string& text) {
@@ -60,10 +63,12 @@ unsigned int writeToFile(const mirel_string& path, const mirel_string& text) {
   const OSSFileWriteParam whole = {OSS_VERSION_STAMP, text.c_str(), text.length(), 0};
   OSSHFile file;
   const unsigned int opened = file.open(&forWriting);
-  if (opened != 0)
+  if (opened != 0) {
     return opened;
+  }
   unsigned long written = 0;
-  if (file.write(&whole, &written) == 0)
+  if (file.write(&whole, &written) == 0) {
     file.sync();
+  }
   return file.close();
 }

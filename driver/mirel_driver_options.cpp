@@ -45,16 +45,17 @@ mirel_string* textSetting(RunSettings* settings, int letter) {
 }
 
 void apply(int letter, const char* argument, RunSettings* settings) {
-  if (mirel_string* text = textSetting(settings, letter))
+  if (mirel_string* text = textSetting(settings, letter)) {
     *text = argument;
-  else if (letter == 'p')
+  } else if (letter == 'p') {
     settings->port = strtoul(argument, nullptr, 10);
-  else if (letter == 's')
+  } else if (letter == 's') {
     settings->send = true;
-  else if (letter == 'z')
+  } else if (letter == 'z') {
     settings->support = true;
-  else if (letter == '?')
+  } else if (letter == '?') {
     std::cout << "unknown argument: " << argument << std::endl;
+  }
 }
 
 }  // namespace
@@ -64,8 +65,9 @@ bool parseOptions(int argc, char** argv, RunSettings* settings) {
   bool any = false;
   for (;;) {
     const int letter = sqlogopt(argc, argv, kShortOptions, &state, kLongOptions);
-    if (letter == -1)
+    if (letter == -1) {
       return any;
+    }
     any = true;
     apply(letter, state.argument == nullptr ? "" : state.argument, settings);
   }

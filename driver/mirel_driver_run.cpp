@@ -33,8 +33,9 @@ int run(int argc, char** argv) {
   Generator generator;
   RunSettings settings;
   const bool anyOption = parseOptions(argc, argv, &settings);
-  if (anyOption && settings.support)
+  if (anyOption && settings.support) {
     collect(settings, &customer, &parser, &generator);
+  }
   ossTerminate();
   return 0;
 }

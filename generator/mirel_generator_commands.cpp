@@ -10,8 +10,9 @@ std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsign
   rest += strspn(rest, " ");
   for (unsigned long cuts = 0; cuts < limit; ++cuts) {
     const char* blank = strchr(rest, ' ');
-    if (blank == nullptr)
+    if (blank == nullptr) {
       break;
+    }
     words.emplace_back(rest, static_cast<unsigned long>(blank - rest));
     rest = blank + strspn(blank, " ");
   }
@@ -21,14 +22,16 @@ std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsign
 
 void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
   const std::vector<mirel_string> words = split_args(primitive->text(), 1);
-  if (words.size() != 2)
+  if (words.size() != 2) {
     return;
-  if (words[0] == "native")
+  }
+  if (words[0] == "native") {
     native(words[1], primitive);
-  else if (words[0] == "execute")
+  } else if (words[0] == "execute") {
     execute(words[1], primitive);
-  else if (words[0] == "sql")
+  } else if (words[0] == "sql") {
     pair->setValue(sql(words[1]));
+  }
 }
 
 void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {
@@ -36,8 +39,9 @@ void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {
   // One word only is the item; what follows it is ignored.
   const mirel_string item = words.size() == 2 ? split_args(words[1], 1)[0] : "";
   mirel_string fact = "";
-  if (nativeFact({&m_instance, &m_platform, m_customer}, words[0], item, &fact))
+  if (nativeFact({&m_instance, &m_platform, m_customer}, words[0], item, &fact)) {
     primitive->setText(fact);
+  }
 }
 
 void Generator::execute(const mirel_string& command, PrimitiveValue* primitive) {
@@ -46,17 +50,20 @@ void Generator::execute(const mirel_string& command, PrimitiveValue* primitive) 
 
 Value* Generator::sql(const mirel_string& rest) {
   const std::vector<mirel_string> words = split_args(rest, 1);
-  if (words.size() != 2)
+  if (words.size() != 2) {
     return nullptr;
+  }
   const mirel_string& kind = words[0];
-  if (kind == "array")
+  if (kind == "array") {
     return m_connection.query(words[1]);
+  }
   if (kind == "value") {
     const std::vector<mirel_string> columnAndQuery = split_args(words[1], 1);
     return columnAndQuery.size() != 2 ? nullptr
                                       : m_connection.queryValue(columnAndQuery[1], columnAndQuery[0]);
   }
-  if (kind == "one")
+  if (kind == "one") {
     return m_connection.queryOne(words[1]);
+  }
   return nullptr;
 }

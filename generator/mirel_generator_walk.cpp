@@ -14,8 +14,9 @@ mirel_string withoutBrackets(const mirel_string& word) {
 void Generator::set(const mirel_string& database, CustomerCollector* customer) {
   if (database.length() > 1) {
     const SQLRETURN code = m_connection.connect(database);
-    if (code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO)
+    if (code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO) {
       m_databaseName = database;
+    }
   }
   m_customer = customer;
   m_instance.collect();
@@ -29,14 +30,17 @@ void Generator::visit(PrimitiveValue*) {}
 
 void Generator::visit(ObjectValue* object) {
   const std::vector<KeyValuePair*> members = object->getValues();
-  for (KeyValuePair* member : members)
+  for (KeyValuePair* member : members) {
     member->accept(*this);
+  }
 }
 
 void Generator::visit(ArrayValue* array) {
-  for (unsigned long i = 0; i < array->size(); ++i)
-    if (Value* element = (*array)[i])
+  for (unsigned long i = 0; i < array->size(); ++i) {
+    if (Value* element = (*array)[i]) {
       element->accept(*this);
+    }
+  }
 }
 
 void Generator::visit(KeyValuePair* pair) {
@@ -46,18 +50,20 @@ void Generator::visit(KeyValuePair* pair) {
     return;
   }
   Value* value = pair->getValue();
-  if (auto* primitive = dynamic_cast<PrimitiveValue*>(value))
+  if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
     parseAndExecute(primitive, pair);
-  else if (value != nullptr)
+  } else if (value != nullptr) {
     value->accept(*this);
+  }
 }
 
 void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
   auto* copies = new ArrayValue;
-  if (variable == "db" && m_databaseName.length() > 0)
+  if (variable == "db" && m_databaseName.length() > 0) {
     copies->push_back(runForDatabase(pair));
-  else if (variable == "table")
+  } else if (variable == "table") {
     copies->push_back(cloneAndRun(pair));
+  }
   pair->setKey(std::move(outputKey));
   pair->setValue(copies);
 }
@@ -67,8 +73,9 @@ Value* Generator::runForDatabase(const KeyValuePair* pair) {
   katoDbDirInfoV9 entry = {};
   m_databaseName.upper().copy_to(entry.alias, sizeof entry.alias);
   const unsigned long behindTerminator = m_databaseName.length() + 1;
-  if (behindTerminator < sizeof entry.alias)
+  if (behindTerminator < sizeof entry.alias) {
     entry.alias[behindTerminator] = ' ';
+  }
   m_instance.setDb(&entry);
   return cloneAndRun(pair);
 }
@@ -76,7 +83,8 @@ Value* Generator::runForDatabase(const KeyValuePair* pair) {
 Value* Generator::cloneAndRun(const KeyValuePair* pair) {
   const Value* value = pair->getValue();
   Value* copy = value == nullptr ? nullptr : value->clone();
-  if (copy != nullptr)
+  if (copy != nullptr) {
     copy->accept(*this);
+  }
   return copy;
 }

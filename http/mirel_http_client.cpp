@@ -47,8 +47,9 @@ mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body
 }
 
 mirel_string HttpClient::exchange(const mirel_string& request) {
-  if (!m_socket.open(m_host, m_port))
+  if (!m_socket.open(m_host, m_port)) {
     return "";
+  }
   // Also when the request did not go out whole: the server may have said why.
   m_socket.send(request);
   mirel_string response = m_socket.recv();

@@ -10,8 +10,9 @@ constexpr unsigned long kLargest = ~0UL / 2;
 /// The value of a header line when its name is `name`, else null.
 const char* valueOf(const char* line, const char* name) {
   const unsigned long length = strlen(name);
-  if (strncasecmp(line, name, length) != 0 || line[length] != ':')
+  if (strncasecmp(line, name, length) != 0 || line[length] != ':') {
     return nullptr;
+  }
   const char* value = line + length + 1;
   return value + strspn(value, " \t");
 }
@@ -19,8 +20,9 @@ const char* valueOf(const char* line, const char* name) {
 /// Reads a whole unsigned number and nothing else, trailing blanks apart; false when there is none or it is
 /// out of any sense.
 bool readNumber(const char* text, int base, const char* mayFollow, unsigned long* number) {
-  if (strchr("0123456789abcdefABCDEF", *text) == nullptr || *text == '\0')
+  if (strchr("0123456789abcdefABCDEF", *text) == nullptr || *text == '\0') {
     return false;
+  }
   char* end = nullptr;
   *number = strtoul(text, &end, base);
   end += strspn(end, " \t");
@@ -40,25 +42,29 @@ bool HttpResponse::receive(const char* bytes, unsigned long count) {
     bytes += taken;
     count -= taken;
     m_remaining -= taken;
-    if (m_remaining == 0)
+    if (m_remaining == 0) {
       m_state = m_state == State::body ? State::complete : State::chunkEnd;
+    }
   }
   return m_state == State::complete;
 }
 
 void HttpResponse::receiveByte(char byte) {
   if (byte == '\n') {
-    if (m_lineLength > 0 && m_lineLength < kLineKept && m_line[m_lineLength - 1] == '\r')
+    if (m_lineLength > 0 && m_lineLength < kLineKept && m_line[m_lineLength - 1] == '\r') {
       --m_lineLength;
+    }
     m_line[m_lineLength < kLineKept ? m_lineLength : kLineKept - 1] = '\0';
     endLine();
     m_lineLength = 0;
     return;
   }
-  if (m_lineLength < kLineKept - 1)
+  if (m_lineLength < kLineKept - 1) {
     m_line[m_lineLength] = byte;
-  if (m_lineLength < kLineKept)
+  }
+  if (m_lineLength < kLineKept) {
     ++m_lineLength;
+  }
 }
 
 void HttpResponse::endLine() {
@@ -68,10 +74,11 @@ void HttpResponse::endLine() {
       readStatus();
       break;
     case State::header:
-      if (empty)
+      if (empty) {
         endHead();
-      else
+      } else {
         readHeader();
+      }
       break;
     case State::chunkSize:
       readChunkSize();
@@ -80,8 +87,9 @@ void HttpResponse::endLine() {
       m_state = empty ? State::chunkSize : State::untilClose;
       break;
     case State::trailer:
-      if (empty)
+      if (empty) {
         m_state = State::complete;
+      }
       break;
     default:
       break;
@@ -112,25 +120,27 @@ void HttpResponse::readHeader() {
 }
 
 void HttpResponse::endHead() {
-  if (m_status >= 100 && m_status < 200)
+  if (m_status >= 100 && m_status < 200) {
     m_state = State::statusLine;
-  else if (m_status == 204 || m_status == 304)
+  } else if (m_status == 204 || m_status == 304) {
     m_state = State::complete;
-  else if (m_contradictory)
+  } else if (m_contradictory) {
     m_state = State::untilClose;
-  else if (m_chunked)
+  } else if (m_chunked) {
     m_state = State::chunkSize;
-  else if (m_hasLength)
+  } else if (m_hasLength) {
     m_state = m_remaining == 0 ? State::complete : State::body;
-  else
+  } else {
     m_state = State::untilClose;
+  }
 }
 
 void HttpResponse::readChunkSize() {
   unsigned long size = 0;
-  if (!readNumber(m_line, 16, ";", &size))
+  if (!readNumber(m_line, 16, ";", &size)) {
     m_state = State::untilClose;
-  else
+  } else {
     m_state = size == 0 ? State::trailer : State::chunk;
+  }
   m_remaining = size;
 }

@@ -20,15 +20,19 @@ bool failed(const char* message) {
 }  // namespace
 
 bool Socket::open(const mirel_string& host, unsigned long port) {
-  if (sqloPdbCreateSocket(&m_socket, 0) != 0)
+  if (sqloPdbCreateSocket(&m_socket, 0) != 0) {
     return failed("failed to create socket");
+  }
   SqloHostAddress address = {};
-  if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0)
+  if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0) {
     return failed("failed to get hostname");
-  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0)
+  }
+  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0) {
     return failed("failed to init node addr handle");
-  if (sqloPdbConnectSocket(m_socket, &m_addr) != 0)
+  }
+  if (sqloPdbConnectSocket(m_socket, &m_addr) != 0) {
     return failed("failed to connect");
+  }
   return true;
 }
 

@@ -34,12 +34,13 @@ Value* JsonParser::parse(mirel_string text) {
   m_seen = mirel_string::npos;
 
   Value* root = nullptr;
-  if (nextTokenIs(openBrace))
+  if (nextTokenIs(openBrace)) {
     parseObject(&root);
-  else if (nextTokenIs(openBracket))
+  } else if (nextTokenIs(openBracket)) {
     parseArray(&root);
-  else
+  } else {
     fail({openBrace, openBracket});
+  }
   return root;
 }
 
@@ -88,20 +89,24 @@ bool JsonParser::parsePair(KeyValuePair** out) {
 }
 
 bool JsonParser::parseValue(Value** out) {
-  if (nextTokenIs(openBrace))
+  if (nextTokenIs(openBrace)) {
     return parseObject(out);
-  if (nextTokenIs(openBracket))
+  }
+  if (nextTokenIs(openBracket)) {
     return parseArray(out);
-  if (!nextTokenIs(string))
+  }
+  if (!nextTokenIs(string)) {
     fail({openBrace, openBracket, string});
+  }
   consume();
   *out = new PrimitiveValue(m_token.text);
   return true;
 }
 
 void JsonParser::open(JsonTokenType bracket) {
-  if (nextTokenIs(bracket) && m_depth == kDeepest)
+  if (nextTokenIs(bracket) && m_depth == kDeepest) {
     fail({string});
+  }
   expect(bracket);
   ++m_depth;
 }
@@ -109,14 +114,16 @@ void JsonParser::open(JsonTokenType bracket) {
 bool JsonParser::close(JsonTokenType bracket) {
   --m_depth;
   // Both kinds of container name the bracket here.
-  if (atEnd() || (m_token.type != bracket && m_token.type != comma))
+  if (atEnd() || (m_token.type != bracket && m_token.type != comma)) {
     fail({comma, closeBracket});
+  }
   return nextTokenIs(bracket) && consume();
 }
 
 void JsonParser::expect(JsonTokenType expected) {
-  if (!nextTokenIs(expected))
+  if (!nextTokenIs(expected)) {
     fail({expected});
+  }
   consume();
 }
 
@@ -150,15 +157,18 @@ bool JsonParser::recognise() {
   const char character = m_input.at(m_position);
   if (atEnd()) {
     // Nothing at the end is ever what is expected, but a quote is shown as the string it would begin.
-    if (character == '"')
+    if (character == '"') {
       m_token = {"", string, 2};
+    }
     return false;
   }
-  if (character == '"')
+  if (character == '"') {
     return recogniseString();
+  }
   for (JsonTokenType type : {openBrace, closeBrace, openBracket, closeBracket, comma, colon}) {
-    if (character != *nameOf(type))
+    if (character != *nameOf(type)) {
       continue;
+    }
     m_token.type = type;
     m_token.length = 1;
     return true;
@@ -170,8 +180,9 @@ bool JsonParser::recogniseString() {
   const char* text = m_input.c_str();
   const unsigned long begin = m_position + 1;
   unsigned long end = begin;
-  while (end < m_input.length() && text[end] != '"')
+  while (end < m_input.length() && text[end] != '"') {
     end += text[end] == '\\' && text[end + 1] == '"' ? 2 : 1;
+  }
   if (end >= m_input.length() && m_input.at(end) != '"') {
     m_column += m_input.length() - m_position;
     m_position = m_input.length();
@@ -197,10 +208,11 @@ void JsonParser::printParseError(const std::vector<JsonTokenType>& expected, Jso
     separator = ", ";
   }
   std::cout << "); Actual: ";
-  if (actual == string)
+  if (actual == string) {
     std::cout << "string \"" << actualText;
-  else
+  } else {
     std::cout << '"' << nameOf(actual);
+  }
   std::cout << "\" on line " << line << " column " << column + 1 << std::endl;
   std::exit(-1);
 }

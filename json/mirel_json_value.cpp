@@ -33,13 +33,15 @@ void PrimitiveValue::accept(JsonVisitor& visitor) {
 
 ArrayValue::ArrayValue(const ArrayValue& other) : Value(other) {
   m_elements.reserve(other.m_elements.size());
-  for (const Value* element : other.m_elements)
+  for (const Value* element : other.m_elements) {
     push_back(cloneOf(element));
+  }
 }
 
 ArrayValue::~ArrayValue() {
-  for (const Value* element : m_elements)
+  for (const Value* element : m_elements) {
     delete element;
+  }
 }
 
 void ArrayValue::push_back(const Value* element) {
@@ -87,18 +89,33 @@ void KeyValuePair::accept(JsonVisitor& visitor) {
 
 ObjectValue::ObjectValue(mirel_string name) : m_name(std::move(name)) {}
 
-ObjectValue::ObjectValue(const ObjectValue& other) : Value(other), m_name(other.m_name) {
+ObjectValue::ObjectValue(Row row) : m_name(""), m_row(new Row(std::move(row))) {}
+
+ObjectValue::ObjectValue(const ObjectValue& other)
+    : Value(other), m_name(other.m_name), m_row(other.m_row ? new Row(*other.m_row) : nullptr) {
   m_members.reserve(other.m_members.size());
-  for (const KeyValuePair* member : other.m_members)
+  for (const KeyValuePair* member : other.m_members) {
     addValue(new KeyValuePair(member->getKey(), cloneOf(member->getValue())));
+  }
 }
 
 ObjectValue::~ObjectValue() {
-  for (KeyValuePair* member : m_members)
+  for (KeyValuePair* member : m_members) {
     delete member;
+  }
+}
+
+const std::vector<KeyValuePair*>& ObjectValue::getValues() const {
+  unpack();
+  return m_members;
+}
+
+bool ObjectValue::empty() const {
+  return m_row ? m_row->columns().names().empty() : m_members.empty();
 }
 
 void ObjectValue::addValue(KeyValuePair* member) {
+  unpack();
   m_members.push_back(member);
 }
 
@@ -107,9 +124,11 @@ void ObjectValue::addObject(ObjectValue* object) {
 }
 
 KeyValuePair* ObjectValue::memberOf(const mirel_string& key) const {
-  for (KeyValuePair* member : m_members)
-    if (key == member->getKey())
+  for (KeyValuePair* member : getValues()) {
+    if (key == member->getKey()) {
       return member;
+    }
+  }
   return nullptr;
 }
 
@@ -126,6 +145,16 @@ Value* ObjectValue::search(const mirel_string& key) const {
 Value* ObjectValue::release(const mirel_string& key) {
   KeyValuePair* member = memberOf(key);
   return member == nullptr ? nullptr : member->releaseValue();
+}
+
+void ObjectValue::unpack() const {
+  const std::unique_ptr<const Row> row = std::move(m_row);
+  if (!row) {
+    return;
+  }
+  row->forEach([&](unsigned long column, const char* value, unsigned long length) {
+    m_members.push_back(new KeyValuePair(row->columns().names()[column], mirel_string(value, length)));
+  });
 }
 
 ObjectValue* ObjectValue::clone() const {

@@ -7,9 +7,11 @@
 /// text "null".
 
 #include <iosfwd>
+#include <memory>
 #include <vector>
 
 #include "common/mirel_string.h"
+#include "json/mirel_json_row.h"
 #include "json/mirel_json_visitor.h"
 
 class mirel_string_builder;
@@ -106,11 +108,14 @@ class ObjectValue final : public Value {
  public:
   /// The name is what `addObject` files the object under; it is not part of the text.
   explicit ObjectValue(mirel_string name);
+  /// A query's row: a member for each column.
+  explicit ObjectValue(Row row);
   ObjectValue(const ObjectValue& other);
   ~ObjectValue() override;
 
   const mirel_string& getName() const { return m_name; }
-  const std::vector<KeyValuePair*>& getValues() const { return m_members; }
+  const std::vector<KeyValuePair*>& getValues() const;
+  bool empty() const;
 
   /// Takes the member over.
   void addValue(KeyValuePair* member);
@@ -135,9 +140,13 @@ class ObjectValue final : public Value {
 
  private:
   KeyValuePair* memberOf(const mirel_string& key) const;
+  void unpack() const;
+  void writeMembers(mirel_string_builder& out, unsigned long indent) const;
+  void writeRow(mirel_string_builder& out, unsigned long indent) const;
 
   mirel_string m_name;
-  std::vector<KeyValuePair*> m_members;
+  mutable std::unique_ptr<const Row> m_row;  ///< until its members are asked for
+  mutable std::vector<KeyValuePair*> m_members;
 };
 
 /// Write `stringify(0)`.

@@ -12,10 +12,11 @@ void appendIndent(mirel_string_builder& out, unsigned long levels) {
 }
 
 void appendValue(mirel_string_builder& out, const Value* value, unsigned long indent) {
-  if (value == nullptr)
+  if (value == nullptr) {
     out.append("\"null\"");
-  else
+  } else {
     value->write(out, indent);
+  }
 }
 
 void appendQuoted(mirel_string_builder& out, const mirel_string& text) {
@@ -26,8 +27,9 @@ void appendQuoted(mirel_string_builder& out, const mirel_string& text) {
 
 /// Ends a container: the separator behind its last child goes, if it has one.
 void appendEnd(mirel_string_builder& out, bool hasChildren, unsigned long indent, char bracket) {
-  if (hasChildren)
+  if (hasChildren) {
     out.removeLast(2);
+  }
   out.append('\n');
   appendIndent(out, indent);
   out.append(bracket);
@@ -54,17 +56,22 @@ mirel_string escapeJson(const mirel_string& text) {
 }
 
 void appendEscaped(mirel_string_builder& out, const mirel_string& text) {
-  const char* rest = text.c_str();
-  for (;;) {
-    const unsigned long plain = strcspn(rest, "\\\n\r\"");
-    out.append(rest, plain);
-    rest += plain;
-    if (*rest == '\0')
-      return;
+  appendEscaped(out, text.c_str(), text.length());
+}
+
+void appendEscaped(mirel_string_builder& out, const char* text, unsigned long length) {
+  const char* const end = text + length;
+  const char* plain = text;  // where the run of characters that go out as they are begins
+  for (; text != end; ++text) {
+    if (*text != '\\' && *text != '"' && *text != '\n' && *text != '\r') {
+      continue;
+    }
+    out.append(plain, static_cast<unsigned long>(text - plain));
     out.append('\\');
-    out.append(*rest == '\n' ? 'n' : *rest == '\r' ? 'r' : *rest);
-    ++rest;
+    out.append(*text == '\n' ? 'n' : *text == '\r' ? 'r' : *text);
+    plain = text + 1;
   }
+  out.append(plain, static_cast<unsigned long>(end - plain));
 }
 
 mirel_string reverseEscape(const mirel_string& text) {
@@ -90,14 +97,32 @@ void ArrayValue::write(mirel_string_builder& out, unsigned long indent) const {
 
 void ObjectValue::write(mirel_string_builder& out, unsigned long indent) const {
   out.append("{\n");
+  if (m_row) {
+    writeRow(out, indent + 1);
+  } else {
+    writeMembers(out, indent + 1);
+  }
+  appendEnd(out, !empty(), indent, '}');
+}
+
+void ObjectValue::writeMembers(mirel_string_builder& out, unsigned long indent) const {
   for (const KeyValuePair* member : m_members) {
-    appendIndent(out, indent + 1);
+    appendIndent(out, indent);
     appendQuoted(out, member->getKey());
     out.append(": ");
-    appendValue(out, member->getValue(), indent + 1);
+    appendValue(out, member->getValue(), indent);
     out.append(",\n");
   }
-  appendEnd(out, !m_members.empty(), indent, '}');
+}
+
+void ObjectValue::writeRow(mirel_string_builder& out, unsigned long indent) const {
+  m_row->forEach([&](unsigned long column, const char* value, unsigned long length) {
+    appendIndent(out, indent);
+    out.append(m_row->columns().head(column));
+    out.append('"');
+    appendEscaped(out, value, length);
+    out.append("\",\n");
+  });
 }
 
 mirel_string PrimitiveValue::stringify(unsigned long indent) const {

@@ -17,6 +17,7 @@ mirel_string indent(unsigned long levels);
 /// The text with its four special characters escaped.
 mirel_string escapeJson(const mirel_string& text);
 void appendEscaped(mirel_string_builder& out, const mirel_string& text);
+void appendEscaped(mirel_string_builder& out, const char* text, unsigned long length);
 
 /// Undoes the escapes, one kind after the other: doubled backslashes first, then line feeds, carriage
 /// returns and quotes, ignoring the letter's case. So a text that held a backslash and an n comes back with a
