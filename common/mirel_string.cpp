@@ -123,13 +123,6 @@ bool mirel_string::strFree() {
   return m_buffer == nullptr || releaseText(m_buffer);
 }
 
-const char& mirel_string::at(unsigned long index) const {
-  if (m_length == 0) {
-    return s_terminator;
-  }
-  return m_buffer[index < m_length ? index : m_length - 1];
-}
-
 void mirel_string::copy_to(char* dest, unsigned long size) const {
   if (size > 0) {
     copyBounded(dest, c_str(), size);

@@ -38,7 +38,9 @@ class mirel_string {
   unsigned long length() const { return m_length; }
 
   /// The character at `index`; at or past the end the last character, of an empty text its terminator.
-  const char& at(unsigned long index) const;
+  const char& at(unsigned long index) const {
+    return m_length == 0 ? s_terminator : m_buffer[index < m_length ? index : m_length - 1];
+  }
 
   /// Copies at most `size` - 1 characters into `dest`, NUL-pads the rest, always terminates; size 0 does
   /// nothing.

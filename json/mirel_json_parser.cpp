@@ -1,7 +1,6 @@
 #include "json/mirel_json_parser.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <iostream>
 #include <utility>
 
@@ -25,9 +24,16 @@ bool isBlank(char character) {
 
 }  // namespace
 
-JsonParser::JsonParser() : m_input("") {}
+mirel_string Token::text() const {
+  mirel_string result(contents, contentsLength);
+  return escaped ? reverseEscape(result) : result;
+}
+
+JsonParser::JsonParser() : m_formerText(""), m_input("") {}
 
 Value* JsonParser::parse(mirel_string text) {
+  m_formerText = m_token.text();
+  m_token = {m_token.type, m_token.length, m_formerText.c_str(), m_formerText.length(), false};
   m_input = std::move(text);
   m_line = 1;
   m_column = m_position = m_depth = 0;
@@ -80,7 +86,7 @@ bool JsonParser::parseArray(Value** out) {
 
 bool JsonParser::parsePair(KeyValuePair** out) {
   expect(string);
-  mirel_string key = m_token.text;
+  mirel_string key = m_token.text();
   expect(colon);
   Value* value = nullptr;
   const bool more = parseValue(&value);
@@ -99,7 +105,7 @@ bool JsonParser::parseValue(Value** out) {
     fail({openBrace, openBracket, string});
   }
   consume();
-  *out = new PrimitiveValue(m_token.text);
+  *out = new PrimitiveValue(m_token.text());
   return true;
 }
 
@@ -158,7 +164,7 @@ bool JsonParser::recognise() {
   if (atEnd()) {
     // Nothing at the end is ever what is expected, but a quote is shown as the string it would begin.
     if (character == '"') {
-      m_token = {"", string, 2};
+      m_token = {string, 2, "", 0, false};
     }
     return false;
   }
@@ -166,12 +172,11 @@ bool JsonParser::recognise() {
     return recogniseString();
   }
   for (JsonTokenType type : {openBrace, closeBrace, openBracket, closeBracket, comma, colon}) {
-    if (character != *nameOf(type)) {
-      continue;
+    if (character == *nameOf(type)) {
+      m_token.type = type;
+      m_token.length = 1;
+      return true;
     }
-    m_token.type = type;
-    m_token.length = 1;
-    return true;
   }
   return false;
 }
@@ -180,23 +185,24 @@ bool JsonParser::recogniseString() {
   const char* text = m_input.c_str();
   const unsigned long begin = m_position + 1;
   unsigned long end = begin;
-  while (end < m_input.length() && text[end] != '"') {
-    end += text[end] == '\\' && text[end + 1] == '"' ? 2 : 1;
+  bool escaped = false;
+  for (; end < m_input.length() && text[end] != '"'; ++end) {
+    if (text[end] == '\\') {
+      escaped = true;
+      end += text[end + 1] == '"' ? 1 : 0;
+    }
   }
   if (end >= m_input.length() && m_input.at(end) != '"') {
     m_column += m_input.length() - m_position;
     m_position = m_input.length();
     return false;
   }
-  const mirel_string raw(text + begin, end - begin);
-  m_token.text = memchr(raw.c_str(), '\\', raw.length()) == nullptr ? raw : reverseEscape(raw);
-  m_token.type = string;
-  m_token.length = end - begin + 2;
+  m_token = {string, end - begin + 2, text + begin, end - begin, escaped};
   return true;
 }
 
 void JsonParser::fail(const std::vector<JsonTokenType>& expected) const {
-  printParseError(expected, m_token.type, m_token.text, m_line, m_column);
+  printParseError(expected, m_token.type, m_token.text(), m_line, m_column);
 }
 
 void JsonParser::printParseError(const std::vector<JsonTokenType>& expected, JsonTokenType actual,

@@ -26,11 +26,16 @@ class KeyValuePair;
 /// The kinds of token; error lines print them by their names in `TokenStrings`.
 enum class JsonTokenType { openBrace, closeBrace, openBracket, closeBracket, comma, colon, string };
 
-/// The current token.
+/// The current token. One that has never been read is an empty string.
 struct Token {
-  mirel_string text = "";                      ///< of a string: its contents, escapes undone
-  JsonTokenType type = JsonTokenType::string;  ///< a reader that has read nothing shows an empty string
-  unsigned long length = 0;                    ///< in characters of the input, quotes included
+  JsonTokenType type = JsonTokenType::string;
+  unsigned long length = 0;   ///< in characters of the input, quotes included
+  const char* contents = "";  ///< of a string: what stands between its quotes in the input, ...
+  unsigned long contentsLength = 0;
+  bool escaped = false;  ///< ... and whether a backslash is among it
+
+  /// Of a string: its contents, escapes undone.
+  mirel_string text() const;
 };
 
 class JsonParser {
@@ -69,6 +74,7 @@ class JsonParser {
                                            unsigned long column);
 
   Token m_token;
+  mirel_string m_formerText;     ///< of the token that an earlier input left
   unsigned long m_line = 1;      ///< counted from 1, by the line feeds between tokens
   unsigned long m_column = 0;    ///< counted from 0
   unsigned long m_position = 0;  ///< next character of the input

@@ -24,7 +24,7 @@ LAYERS = {
 SYSTEM_LIBRARY = set("popen fgets feof pclose getenv gethostname strcasestr toupper".split())
 LANGUAGE_RUNTIME = re.compile(
     r"_Z(n[aw]|d[al])|_ZS|_ZNS|_ZNKS|_ZTVN10__cxxabiv|_ZT[IV]S|__cxa_|__gxx_|_Unwind_|__dso_handle|__dynamic_cast"
-    r"|__stack_chk_fail|__(mem|str|fgets|gethostname)\w*_chk$|_GLOBAL_OFFSET_TABLE_|__isoc23_strtoul"
+    r"|__stack_chk_fail|__(mem|str|fgets|gethostname)\w*_chk$|_GLOBAL_OFFSET_TABLE_|__isoc23_strtoul|__libc_single_threaded"
     r"|(mem(chr|cmp|cpy|move|set)|str(chr|cmp|cspn|len|ncmp|nlen|spn|casecmp|ncasecmp)|strtoul|strtol|atexit|exit)$")
 
 
