@@ -19,7 +19,7 @@ mirel_string_builder::~mirel_string_builder() {
 }
 
 void mirel_string_builder::append(unsigned long count, char character) {
-  if (!reserve(count)) {
+  if (count == 0 || !reserve(count)) {
     return;
   }
   memset(m_block + m_length, character, count);

@@ -56,8 +56,9 @@ void mirel_string::format(const char* pattern, Number number) {
   }
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-  m_length = static_cast<unsigned long>(ossSnprintf(m_buffer, kNumberSize, pattern, number));
+  const int count = ossSnprintf(m_buffer, kNumberSize, pattern, number);
 #pragma GCC diagnostic pop
+  m_length = count > 0 ? static_cast<unsigned long>(count) : 0;
   m_capacity = m_length + kTail;
 }
 
