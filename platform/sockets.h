@@ -34,13 +34,12 @@ unsigned int sqloPdbInitNodeAddrHndl(int type, SqloNodeAddress* node, const Sqlo
 /// Connects; tries every address that the host name resolved to, in order, for half a minute in all. A
 /// failed try leaves the socket ready for the next one.
 unsigned int sqloPdbConnectSocket(int handle, const SqloNodeAddress* node);
-/// Sends up to `count` bytes; `*sent` tells how many went. Waits while the peer takes nothing; one that has
-/// vanished ends as an error after about two minutes, here and in `sqloPdbRecvBuffer`. Never raises
-/// SIGPIPE.
+/// Sends up to `count` bytes; `*sent` tells how many went. Waits while the peer takes nothing, for about two
+/// minutes at most. Never raises SIGPIPE.
 unsigned int sqloPdbSendBuffer(int handle, const void* data, unsigned int count, unsigned int* sent);
 /// Receives up to `size` bytes, waiting at most `waitSeconds`. A wait that runs out succeeds with a count
-/// of 0; SQLO_PDB_PEER_CLOSED tells the orderly end; any other code is an error that will not pass.
-/// `*received` is set in every case.
+/// of 0; SQLO_PDB_PEER_CLOSED tells the orderly end; any other code is an error that will not pass. A peer
+/// that vanished is such an error, after about two minutes. `*received` is set in every case.
 unsigned int sqloPdbRecvBuffer(int handle, void* buffer, unsigned int size, unsigned int* received,
                                int waitSeconds, int options);
 unsigned int sqloPdbCloseSocket(int handle);

@@ -104,7 +104,7 @@ struct OSSDiskInfo {
   unsigned long version = 0;
   OSSSysInfoSint blockSize;
   OSSSysInfoSint64 total;
-  OSSSysInfoSint64 free;
+  OSSSysInfoSint64 free;  ///< what can still be used without privileges
   OSSSysInfoSint reserved1;
   OSSSysInfoStr reserved2;
   OSSSysInfoStr reserved3;

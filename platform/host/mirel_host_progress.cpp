@@ -1,0 +1,134 @@
+// One line on the terminal, redrawn every second by a thread of its own, which exists only where standard
+// error is a terminal. Work that is done within a second is never shown, and the cursor always rests at the
+// beginning of the line, so that whatever a command prints starts where it would have.
+
+#include <pthread.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "platform/progress.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class ProgressLine {
+ public:
+  ProgressLine() : m_thread([this] { redraw(); }) {}
+  ~ProgressLine() {
+    {
+      const std::lock_guard lock(m_mutex);
+      m_ended = true;
+    }
+    m_changed.notify_one();
+    m_thread.join();
+  }
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+
+  void show(const char* work) {
+    const std::lock_guard lock(m_mutex);
+    erase();
+    m_work = work;
+    ++m_count;
+    m_begun = Clock::now();
+  }
+
+  void hide() {
+    const std::lock_guard lock(m_mutex);
+    erase();
+    m_work.clear();
+  }
+
+ private:
+  void redraw();
+  void draw();
+  void erase();
+
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  std::string m_work;  // empty: nothing to show
+  unsigned long m_count = 0;
+  Clock::time_point m_begun = Clock::now();
+  const Clock::time_point m_start = Clock::now();
+  bool m_drawn = false;
+  bool m_ended = false;
+  std::thread m_thread;  // last: it uses all of the above
+};
+
+void write(const std::string& text) {
+  // A terminal that went away is no reason to stop.
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+}
+
+std::size_t terminalWidth() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+/// Control bytes of a key would move the cursor.
+std::string printable(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7f; }, '?');
+  return text;
+}
+
+void ProgressLine::redraw() {
+  // Signals belong to the thread that does the work.
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, nullptr);
+  std::unique_lock lock(m_mutex);
+  while (!m_changed.wait_for(lock, std::chrono::seconds(1), [this] { return m_ended; })) {
+    if (!m_work.empty() && Clock::now() - m_begun >= std::chrono::seconds(1)) {
+      draw();
+    }
+  }
+}
+
+void ProgressLine::draw() {
+  const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_start).count();
+  const std::string line =
+      "[" + std::to_string(elapsed) + " s] " + std::to_string(m_count) + ": " + printable(m_work);
+  write("\r" + line.substr(0, terminalWidth() - 1) + "\033[K\r");
+  m_drawn = true;
+}
+
+void ProgressLine::erase() {
+  if (m_drawn) {
+    write("\r\033[K");
+    m_drawn = false;
+  }
+}
+
+/// The line, or null where nobody watches.
+ProgressLine* line() {
+  static const bool watched = isatty(STDERR_FILENO) == 1;
+  if (!watched) {
+    return nullptr;
+  }
+  static ProgressLine only;
+  return &only;
+}
+
+}  // namespace
+
+void progressShow(const char* work) {
+  if (ProgressLine* shown = line()) {
+    shown->show(work);
+  }
+}
+
+void progressHide() {
+  if (ProgressLine* shown = line()) {
+    shown->hide();
+  }
+}

@@ -1,0 +1,47 @@
+#pragma once
+/// SQL texts, read just closely enough to tell what is quoted and where a FROM clause stands.
+///
+/// Strings, quoted names and comments are respected as the engine writes them; nothing is parsed beyond
+/// that. The work is linear in the text, and any text will do: what cannot be understood is left alone.
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+/// How an engine's SQL is written and what it needs, where that differs from the standard.
+struct Dialect {
+  std::string_view engine = {};        ///< as the driver names it (SQL_DBMS_NAME); empty: every other engine
+  bool bareTableFunctions = false;     ///< FROM has f(args) where the product has table(f(args))
+  bool bracketNames = false;           ///< [name] is a quoted name; elsewhere brackets are arrays
+  bool backtickNames = false;          ///< `name` is one, too
+  bool nestedComments = false;         ///< a /* */ comment may hold others
+  bool dollarQuotes = false;           ///< $tag$text$tag$ and E'text with \' in it' are strings
+  const char* sessionStart = nullptr;  ///< a statement that opens every session; null: none
+};
+
+/// The dialect of an engine.
+const Dialect& dialectOf(std::string_view engine);
+
+/// The quoted names of a statement.
+class QuotedNames {
+ public:
+  QuotedNames() = default;
+  QuotedNames(std::string_view statement, const Dialect& dialect);
+
+  /// Whether the statement wrote this column name in quotes. A long name may have been cut by the engine or
+  /// by the buffer it was reported in; its beginning is enough then.
+  bool include(std::string_view reported) const;
+
+ private:
+  std::vector<std::string> m_names;  // sorted
+};
+
+/// The statement with every `table(f(args))` in a FROM clause turned into `f(args)`. Nothing when there is
+/// none, the engine knows the product's form or is unknown, or the statement's quotes or parentheses do not
+/// match; the statement then stands as it is.
+std::optional<std::string> unwrapTableFunctions(std::string_view statement, const Dialect& dialect);
+
+}  // namespace host

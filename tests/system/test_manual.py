@@ -1,0 +1,98 @@
+"""The manual page and the guides: they render, name everything there is, and their examples give what they show.
+
+An example is a line "$ command" with its output below it. A file that an example shows with `cat` is made first.
+"""
+import os
+import re
+import subprocess
+
+import pytest
+from conftest import BUILD, ROOT
+
+DOCS = ROOT / "docs"
+PAGE = DOCS / "mirel.1"
+
+
+def read(*parts):
+    return ROOT.joinpath(*parts).read_text()
+
+
+def rendered():
+    text = subprocess.run(["mandoc", "-Tutf8", PAGE], capture_output=True, text=True, check=True).stdout
+    return re.sub(".\b", "", text)
+
+
+def examples(path):
+    """All (command, output) pairs of a document."""
+    text = path.read_text()
+    if path.suffix == ".md":
+        blocks = re.findall(r"^```console\n(.*?)^```$", text, re.M | re.S)
+    else:
+        for escape, character in ((r"\-", "-"), (r"\(aq", "'"), (r"\e", "\\")):
+            text = text.replace(escape, character)
+        blocks = re.findall(r"^\.Bd -literal -offset indent\n(.*?)^\.Ed$", text, re.M | re.S)
+    return re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", "".join(blocks), re.M)
+
+
+def test_page_renders_without_a_warning_and_bears_the_version():
+    for command in (["mandoc", "-Tlint", "-Wwarning", PAGE], ["groff", "-mdoc", "-Tutf8", "-ww", PAGE]):
+        run = subprocess.run(command, capture_output=True, text=True, check=False)
+        assert (run.returncode, run.stderr) == (0, "") and "warning" not in run.stdout.lower(), run
+    version = re.search(r"project\(mirel VERSION (\S+)", read("CMakeLists.txt"))[1]
+    assert f".Os mirel {version}\n" in PAGE.read_text()
+
+
+def test_page_documents_every_option_in_both_spellings():
+    table = re.findall(r'\{"(\w+)", (true|false), \'(\w)\'\}', read("driver", "mirel_driver_options.cpp"))
+    documented = re.findall(r"^ +-(\w)( \w+)?, --(\w+)(=\w+)?$", rendered(), re.M)
+    assert {(name, "true" if one and other else "false", letter) for letter, one, name, other in documented} == \
+        set(table) and len(table) == 13
+
+
+def vocabulary():
+    """Every "word item" that the collectors' sources compare with."""
+    sources = "".join(path.read_text() for path in (ROOT / "collectors").glob("*.cpp"))
+    facts = set()
+    for word, method in re.findall(r'\{"(\w+)", \[\].*?->(\w+)\(item\)', sources):
+        body = re.search(rf"^mirel_string \w+::{method}\(.*?^}}", sources, re.M | re.S)[0]
+        for table in re.findall(r"\bk\w+Items\b", body):
+            body += re.search(rf"{table}\[\] = {{(.*?)^ *}};", sources, re.M | re.S)[1]
+        facts |= {f"{word} {item}" for item in re.findall(r'(?:item == |\{)"(\w+)"', body)}
+    return facts | {"readFile path", "network anything"}
+
+
+def test_page_and_guide_document_every_native_fact():
+    facts = vocabulary()
+    assert len(facts) > 40
+    text, guide = rendered(), (DOCS / "templates.md").read_text()
+    assert {fact for fact in facts if not re.search(rf"\b{fact}\b", text)} == set()
+    rows = dict(re.findall(r"^\| `(\w+)` \| (.*) \|$", guide, re.M))
+    assert {fact for fact in facts - {"readFile path", "network anything"}
+            if f"`{fact.split()[1]}`" not in rows[fact.split()[0]]} == set() and {"readFile", "network"} < set(rows)
+
+
+def test_guide_to_own_libraries_names_every_function_of_the_platform():
+    headers = "".join(path.read_text() for path in (ROOT / "platform").glob("*.h"))
+    functions = set(re.findall(r"^[\w ]+[ *](\w+)\([^)]*$|^[\w ]+[ *](\w+)\([^)]*\);", headers, re.M))
+    names = {one or other for one, other in functions} | {"sqlz_krcbp", "OSSHFile"}
+    assert len(names) > 40
+    guide = (DOCS / "own-libraries.md").read_text()
+    assert {name for name in names if f"`{name}`" not in guide} == set()
+
+
+@pytest.mark.parametrize("document", [PAGE, DOCS / "templates.md"], ids=lambda path: path.name)
+def test_examples_give_what_they_show(document, tmp_path):
+    pairs = examples(document)
+    server = [(command, shown) for command, shown in examples(DOCS / "templates.md") if command == "cat try-template"]
+    for command, shown in server + pairs:
+        if file := re.fullmatch(r"cat ([\w.-]+)", command):
+            (tmp_path / file[1]).write_text(shown)
+    (tmp_path / "try-template").chmod(0o755)
+    script = "".join(f"{command}\nprintf '\\036'\n" for command, _ in pairs)
+    environment = {"PATH": f"{BUILD}:{tmp_path}:{os.environ['PATH']}", "HOME": str(tmp_path), "LC_ALL": "C.UTF-8",
+                   "ODBCINI": str(tmp_path / "odbc.ini")}
+    run = subprocess.run(["bash", "-c", f"exec 2>&1\n{script}"], cwd=tmp_path, env=environment, timeout=120,
+                         stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, check=False)
+    outputs = run.stdout.decode().split("\x1e")[:-1]
+    given = [(command, output) for (command, _), output in zip(pairs, outputs, strict=True)]
+    assert given == pairs

@@ -1,0 +1,301 @@
+"""The default template against a real PostgreSQL server, and what is left of a run when the server fails it."""
+import json
+import os
+import pwd
+import shlex
+import shutil
+import subprocess
+import tempfile
+from http.server import BaseHTTPRequestHandler
+from pathlib import Path
+from socketserver import TCPServer
+from threading import Thread
+
+import pytest
+from conftest import ROOT, members
+
+CATALOG = ROOT / "catalog/postgresql/mirel_catalog.sql"
+USER = pwd.getpwuid(os.geteuid()).pw_name
+
+# The collector's user may connect and owns nothing; the labels are entered by hand, for want of a provider.
+SHOP = f"""
+create role "{USER}" login;
+create role clerk;
+create extension pgcrypto;
+create table customer (id integer primary key, name text compression pglz, doc xml);
+insert into customer select i, case when i % 3 > 0 then 'Zoë ' || i end from generate_series(1, 700) i;
+grant select (id) on customer to clerk;
+cluster customer using customer_pkey;
+create table sale (id bigint, day date) partition by range (day);
+create table sale_1 partition of sale for values from ('2026-01-01') to ('2026-02-01');
+create table sale_2 partition of sale for values from ('2026-02-01') to ('2026-03-01') partition by hash (id);
+create table sale_2a partition of sale_2 for values with (modulus 2, remainder 0);
+create table sale_2b partition of sale_2 for values with (modulus 2, remainder 1);
+insert into sale select i, '2026-01-01'::date + i % 59 from generate_series(1, 5000) i;
+create table ledger (id integer, pin text);
+alter table ledger enable row level security;
+create type point3 as (x integer, y integer, z integer);
+create table corner of point3;
+create view "Schöne Kunden" as select id, name from customer;
+create materialized view total as select count(*) from sale;
+create function two() returns integer language sql as 'select 2';
+analyze customer;
+vacuum sale_1, sale_2a, sale_2b;
+analyze sale_1;
+set allow_system_table_mods = on;
+insert into pg_seclabel select c, 'pg_class'::regclass, n, 'test', l from (values ('customer'::regclass, 0, 'secret'),
+  ('customer', 2, 'top secret'), ('ledger', 0, 'secret')) as v (c, n, l);
+"""
+
+# Member, and a query on the engine's own catalogs that psql answers alike.
+FACTS = [
+    ("runstatsTiming", "select max(last_analyze)::date as stats_time from pg_stat_user_tables group by relname"
+                       " having max(last_analyze) is not null"),
+    ("bufferpools", "select s as bpname, i as bufferpoolid, pg_size_bytes(current_setting(s)) / 8192 as npages,"
+                    " 8192 as pagesize from unnest('{shared_buffers,temp_buffers,wal_buffers}'::text[])"
+                    " with ordinality as t (s, i)"),
+    ("bluTables", "select * from (values (1, 'N'), (5, 'R')) as t (count, org)"),
+    ("hadrConfig", "select * from (values ('hadr_hot_standby', 'on'), ('hadr_max_replication_slots', '10'),"
+                   " ('hadr_max_wal_senders', '7'), ('hadr_primary_slot_name', ''), ('hadr_role', 'STANDARD'),"
+                   " ('hadr_recovery_min_apply_delay', '0'), ('hadr_standbys', '0'), ('hadr_wal_keep_size', '0'),"
+                   " ('hadr_synchronous_commit', 'on'), ('hadr_synchronous_standby_names', ''),"
+                   " ('hadr_wal_level', 'logical'), ('hadr_wal_receiver_timeout', '60000'),"
+                   " ('hadr_wal_sender_timeout', '60000')) as t (name, value)"),
+    ("columnTypeDistrobution", "select 'typename' as tarn_objectify, * from (values (1, 'DATE'), (6, 'INT4'),"
+                               " (2, 'INT8'), (3, 'TEXT'), (1, 'XML')) as t (count, typename)"),
+    ("numberOfXMLColumns", "select count(*) from information_schema.columns where data_type = 'xml'"),
+    ("numberOfCompressedTables", "select 1"),
+    ("numberOfRowCompressedTables", "select 0"),
+    ("numberOfValueCompressedTables", "select 1"),
+    ("numberOfAdaptiveCompressedRows", "select 0"),
+    ("numberOfStaticCompressedRows", "select 0"),
+    ("averageRowCompressionRatio", "select null"),
+    ("minRowCompressionRatio", "select null"),
+    ("minRowCompressionRatio", "select null"),
+    ("numberOfTablesClusteredByInsert", "select 0"),
+    ("numberOfTablesClusteredByDimension", "select 1"),
+    ("numberOfLabels", "select 2"),
+    ("numberOfNonNativePKGSchema", "select 1"),
+    ("pageSizes", "select t as tbspace, 'S' as tbspacetype, 1 as bufferpoolid, 'A' as datatype,"
+                  " current_setting('block_size') as pagesize, (2 ^ 17)::integer as extentsize"
+                  " from unnest('{pg_default,pg_global,größe}'::text[]) t"),
+    ("averageNPages", "select avg(pages) from pages"),
+    ("minNPages", "select min(pages) from pages"),
+    ("maxNPages", "select max(pages) from pages"),
+    ("lbacUsage", "select * from (values ('B', 1), ('T', 1)) as t (type, number) order by 1"),
+    ("fgacUsage", "select * from (values ('C', 1), ('R', 1)) as t (type, number) order by 1"),
+    ("rangePartitions", "select count(*) as num_partitions from pg_partition_tree('sale') where isleaf"),
+    ("numberOfPartitions", "select count(*) from pg_partition_tree('sale') where isleaf"),
+    ("encryption", "select * from (values ('data_checksums', 'on'), ('password_encryption', 'scram-sha-256'),"
+                   " ('ssl', 'off'), ('ssl_library', 'OpenSSL'),"
+                   " ('connection_tls_version', null), ('connection_tls_cipher', null),"
+                   " ('connection_tls_bits', null), ('connection_gss_encrypted', 'false'), ('pgcrypto',"
+                   " (select installed_version from pg_available_extensions where name = 'pgcrypto')))"
+                   " as t (name, value)"),
+    ("averageNumberOfRowsInTables", "select avg(n) from (select count(*) from customer union all"
+                                    " select count(*) from sale) as t (n)"),
+    ("minNumberOfRowsInTables", "select count(*) from customer"),
+    ("maxNumberOfRowsInTables", "select count(*) from sale"),
+    ("numberOfTables", "select 4"),
+    ("databaseTableObjectCounts", "select 'type' as tarn_objectify, * from (values (1, 'M'), (3, 'T'), (1, 'U'),"
+                                  " (1, 'V')) as t (count, type)"),
+]
+PAGES = """with pages (pages) as (select pg_relation_size('customer') / 8192 union all
+  select sum(pg_relation_size(relid))::bigint / 8192 from pg_partition_tree('sale')) """
+
+
+class Server:
+    """A private server: its socket in `folder`, run by an account that is not root.
+
+    The newest one that Debian has installed, or the one whose programs are in MIREL_POSTGRESQL_BIN.
+    """
+
+    def __init__(self, folder):
+        self.programs = os.environ.get("MIREL_POSTGRESQL_BIN") or max(
+            Path("/usr/lib/postgresql").glob("*/bin"), key=lambda folder: float(folder.parent.name))
+        self.folder = folder
+        (self.folder / "größe").mkdir()
+        self.account = []
+        if os.geteuid() == 0:
+            self.account = ["setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups"]
+            for folder in self.folder, self.folder / "größe":
+                shutil.chown(folder, "postgres", "postgres")
+        self.folder.chmod(0o755)
+        self.run("initdb", "-D", "data", "-U", "admin", "-k", "-E", "UTF8", "--locale=C.UTF-8", "--no-sync")
+        (self.folder / "data/pg_hba.conf").write_text("local all admin trust\nlocal all all peer\n")
+        self.start()
+        self.sources = {"ODBCSYSINI": str(self.folder), "ODBCINI": str(self.folder / "odbc.ini"),
+                        "PATH": f"{self.folder}:{os.environ['PATH']}"}
+        (self.folder / "odbcinst.ini").write_text("[PostgreSQL]\nDriver = psqlodbcw.so\nDebug = 0\nCommLog = 0\n")
+        common = "Driver = PostgreSQL\nDatabase = shop\nServername ="
+        (self.folder / "odbc.ini").write_text(
+            f"[SHOP]\n{common} {self.folder}\n[CURSOR]\n{common} {self.folder}\nUseDeclareFetch = 1\nFetch = 100\n"
+            f"[NOWHERE]\n{common} {self.folder}/none\n")
+        for name in "kato", "katolevel", "katoset":
+            (self.folder / name).symlink_to("/bin/true")
+
+    def command(self, program, *arguments):
+        return [*self.account, f"{self.programs}/{program}", *arguments]
+
+    def run(self, program, *arguments):
+        subprocess.run(self.command(program, *arguments), cwd=self.folder, check=True, stdout=subprocess.DEVNULL)
+
+    def start(self):
+        self.run("pg_ctl", "-D", "data", "-l", "log", "-w", "-o", "-c listen_addresses='' -c fsync=off"
+                 f" -c unix_socket_directories={self.folder} -c autovacuum=off -c wal_level=logical"
+                 " -c max_wal_senders=7", "start")
+
+    def stop(self):
+        return self.command("pg_ctl", "-s", "-D", str(self.folder / "data"), "-m", "immediate", "stop")
+
+    def psql(self, script, *arguments, database="shop"):
+        command = ["psql", "-XqA", "-v", "ON_ERROR_STOP=1", "-h", self.folder, "-U", "admin", "-d", database, "-f", "-"]
+        return subprocess.run([*command, *arguments], input=script, check=True, stdout=subprocess.PIPE,
+                              encoding="utf-8").stdout
+
+    def catalog(self, *arguments, database="shop"):
+        return self.psql(CATALOG.read_text("utf-8"), *arguments, database=database)
+
+    def rows(self, query):
+        """The answer as the document has it: names in upper case, values up to their first blank."""
+        names, *rows = self.psql(query, "-P", "footer=off", "-P", "null=NULL").splitlines()
+        return [[(name.upper(), cell.split(" ")[0]) for name, cell in zip(names.split("|"), row.split("|"))]
+                for row in rows]
+
+    def dump(self, database):
+        dump = subprocess.run([f"{self.programs}/pg_dump", "-h", self.folder, "-U", "admin", database],
+                              check=True, capture_output=True).stdout
+        return [line for line in dump.splitlines() if b"restrict" not in line]  # its key is a random one
+
+
+@pytest.fixture(scope="module")
+def server():
+    with tempfile.TemporaryDirectory(prefix="mirel-postgresql-") as folder:
+        one = Server(Path(folder))
+        try:
+            one.psql(f"create tablespace größe location '{folder}/größe'; create database shop", database="postgres")
+            one.psql(SHOP)
+            one.catalog()
+            yield one
+        finally:
+            subprocess.run(one.stop(), cwd=folder, check=False)
+
+
+def test_default_template_as_an_ordinary_user(mirel, server):
+    today = server.rows("select current_date as time")[0]
+    result = mirel("-z", "-d", "SHOP", env=server.sources)
+    document = dict(members(result.stdout))
+    facts = [(key, value) for key, value in document["databaseInfo"][0]
+             if key not in ("seed", "name", "configRaw", "sizeOnDisk")]
+    expected = []
+    for (_, value), (key, query) in zip(facts, FACTS, strict=True):
+        rows = server.rows(PAGES + query)
+        if isinstance(value, str):
+            rows = rows[0][0][1]
+        elif "order by" not in query:
+            value.sort()
+            rows.sort()
+        expected.append((key, rows))
+    report = ""
+    if int(server.rows("show server_version_num")[0][0][1]) < 160000:
+        # Such a server refuses a query in FROM that bears no name, and the template has one.
+        expected = [(key, "null" if key == "numberOfPartitions" else value) for key, value in expected]
+        report = ("Trying to run: Exec Direct\n"
+                  "ERROR: subquery in FROM must have an alias; Error while executing the query\n")
+    assert facts == expected
+    assert ("TIME", document["tarn_collection_time"]) in today + server.rows("select current_date as time")[0]
+    assert (result.returncode, result.stderr.decode()) == (0, report)
+
+
+def test_catalog_leaves_no_trace(server):
+    server.psql("create database spare template shop", database="postgres")
+    remove = ["-v", "remove=1"]
+    server.catalog(*remove, database="spare")
+    without = server.dump("spare")
+    for arguments in [], [], remove, remove:
+        server.catalog(*arguments, database="spare")
+    assert server.dump("spare") == without
+
+    # What others have made is neither replaced nor removed, and nothing is done by halves.
+    for arguments, script in [([], "create schema syszent"),
+                              (remove, f"drop schema syszent; \\i '{CATALOG}'\n"
+                                       "create view mine as table syscat.columns")]:
+        server.psql(script, database="spare")
+        before = server.dump("spare")
+        with pytest.raises(subprocess.CalledProcessError):
+            server.catalog(*arguments, database="spare")
+        assert server.dump("spare") == before
+
+
+def test_public_may_only_read(server):
+    assert server.rows("""
+      select string_agg(distinct privilege_type, ',') as rights from (
+        select (aclexplode(nspacl)).* from pg_namespace where nspname ~ '^sys(cat|stat|zent|proc)$' union all
+        select (aclexplode(relacl)).* from pg_class where relnamespace::regnamespace::text ~ '^sys' union all
+        select (aclexplode(proacl)).* from pg_proc where proname in ('db_get_cfg', 'admin_get_encryption_info')) a
+      where grantee = 0""") == [[("RIGHTS", "EXECUTE,SELECT,USAGE")]]
+
+
+class CollectionServer(TCPServer):
+    """Hands out one template and keeps what is posted."""
+
+    class Handler(BaseHTTPRequestHandler):
+        def do_GET(self):
+            self.answer(self.server.template)
+
+        def do_POST(self):
+            self.server.posted = self.rfile.read(int(self.headers["Content-Length"]))
+            self.answer(b"{}")
+
+        def answer(self, body):
+            self.send_response(200)
+            self.end_headers()
+            self.wfile.write(body)
+
+        def log_message(self, *_):
+            pass
+
+    def __init__(self, template):
+        super().__init__(("127.0.0.1", 0), self.Handler)
+        self.template = json.dumps(template, ensure_ascii=False).encode()
+        self.posted = b""
+
+
+ENDED = "FATAL: terminating connection due to administrator command; "
+ENDS_ITSELF = ("sql array select i, case i when 250 then pg_terminate_backend(pg_backend_pid()) end as gone"
+           " from generate_series(1, 500) as i")
+END_IT = ("execute psql -qAt -h {folder} -U admin -d shop -c"
+          f" \"select pg_terminate_backend(pid) from pg_stat_activity where usename = '{USER}'\" >/dev/null")
+FAILURES = {  # data source, the command in the middle, its value, the value behind it, each report and how it begins
+    "refused for lack of rights": ("SHOP", "sql array select pin from ledger", [], "2", [
+        "Exec Direct\nERROR: permission denied for table ledger; Error while executing the query\n"]),
+    "gone before the answer is complete": ("SHOP", ENDS_ITSELF, [], "null", [f"Exec Direct\n{ENDED}", "Exec Direct\n"]),
+    "gone in the middle of a fetch": (
+        "CURSOR", ENDS_ITSELF, [[("I", str(i)), ("GONE", "NULL")] for i in range(1, 201)], "null", [
+            "Exec Direct\nSQLExecDirect unable due to the connection lost\n"]),
+    "gone between two commands": ("SHOP", END_IT, "", "null", [f"Exec Direct\n{ENDED}"]),
+    "server stopped between two commands": ("SHOP", "execute {stop}", "", "null", [
+        "Exec Direct\nserver closed the connection unexpectedly"]),
+    "server not there": ("NOWHERE", "sql one select 1 as a", [], "null", [
+        "Connect\n[unixODBC]connection to server on socket"]),
+}
+
+
+@pytest.mark.parametrize("case", FAILURES)
+def test_failure_costs_its_member_only(mirel, server, case):
+    source, command, value, after, reports = FAILURES[case]
+    command = command.format(folder=server.folder, stop=f"cd {server.folder}; {shlex.join(server.stop())}")
+    template = {"during": command, "after": "sql value b select 2 as b", "rest": {"user": "native customer name"}}
+    with CollectionServer(template) as collection:
+        Thread(target=collection.serve_forever, args=[0.02], daemon=True).start()
+        try:
+            result = mirel("-z", "-s", "-h", "127.0.0.1", "-p", str(collection.server_address[1]), "-n", "Zoë",
+                           "-d", source, env=server.sources)
+        finally:
+            collection.shutdown()
+            if not (server.folder / "data/postmaster.pid").exists():
+                server.start()
+    assert members(collection.posted) == [("during", value), ("after", after), ("rest", [("user", "Zoë")])]
+    beginning, *reported = result.stderr.decode().split("Trying to run: ")
+    assert (result.returncode, beginning) == (0, "")
+    assert [text[:len(start)] for text, start in zip(reported, reports, strict=True)] == reports

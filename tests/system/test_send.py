@@ -1,0 +1,232 @@
+"""Send mode: with the collection server's own nginx configuration, and with servers that misbehave."""
+import base64
+import http.client
+import json
+import os
+import shutil
+import socket
+import struct
+import subprocess
+import tempfile
+import threading
+import time
+from concurrent.futures import ThreadPoolExecutor
+from contextlib import contextmanager
+from pathlib import Path
+
+import pytest
+from conftest import ROOT
+
+AS_ROOT = os.geteuid() == 0
+RULE = "-" * 30
+DOWNLOAD = "Downloading tarnconfig.json from 127.0.0.1...\nDone.\n"
+RAW = base64.b64encode(os.urandom(37_500_000))
+
+
+def upload(response, failed=""):
+    return (f"Sending result to 127.0.0.1...\n{failed}Sent result to 127.0.0.1.\n"
+            f"Response\n{RULE}\n{response}\n{RULE}\n")
+
+
+def outcome(finished):
+    return finished.returncode, finished.stdout.decode(), finished.stderr.decode()
+
+
+class Nginx:
+    def __init__(self, root, port):
+        self.store, self.port, self.template = root / "store", port, root / "template.json"
+
+    def stored(self):
+        return {path: path.read_bytes() for path in self.store.rglob("*") if path.is_file()}
+
+    def post(self, body, length):
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
+        connection.request("POST", "/tarn", body, {"Content-Length": length})
+        answer = connection.getresponse()
+        return answer.status, json.loads(answer.read())
+
+
+@pytest.fixture
+def nginx():
+    """The shipped configuration on a free port, as an unprivileged account where we are root."""
+    account = {"user": "nobody", "group": "nogroup", "extra_groups": []} if AS_ROOT else {}
+    with tempfile.TemporaryDirectory(prefix="mirel-server-") as folder, \
+            socket.create_server(("127.0.0.1", 0)) as free:
+        root, port = Path(folder), free.getsockname()[1]
+        free.close()
+        root.chmod(0o755)
+        for part in ("store", "run", "log"):
+            (root / part).mkdir()
+            if account:
+                shutil.chown(root / part, "nobody", "nogroup")
+        config = (ROOT / "deploy/collection-server/nginx.conf").read_text()
+        (root / "nginx.conf").write_text(config.replace("/srv/mirel", folder).replace("8081", str(port)))
+        with subprocess.Popen(["nginx", "-c", root / "nginx.conf", "-g", "daemon off;"], **account) as process:
+            while not (root / "run/nginx.pid").exists():
+                assert process.poll() is None, "nginx did not start"
+                time.sleep(0.02)
+            yield Nginx(root, port)
+            process.terminate()
+
+
+@pytest.mark.parametrize("size", [0, 1000, 3_000_000, 50_000_000])
+def test_what_is_stored_is_what_was_posted(mirel, nginx, tmp_path, size):
+    (tmp_path / "facts").write_bytes(RAW)
+    nginx.template.write_text(f'{{"a": "execute head -c {size} facts"}}')
+
+    status, out, err = outcome(mirel("-zsh", "127.0.0.1", "-p", str(nginx.port)))
+
+    document = b'{\n  "a": "' + RAW[:size] + b'"\n}'
+    response = out.removeprefix(DOWNLOAD).split(RULE)[1][1:-1]
+    assert (status, out, err) == (0, DOWNLOAD + upload(response), "")
+    head, _, receipt = response.partition("\r\n\r\n")
+    name = json.loads(receipt)["stored"]
+    assert (head.split("\r\n")[0], json.loads(receipt)) == (
+        "HTTP/1.1 201 Created", {"stored": name, "bytes": len(document)})
+    assert nginx.stored() == {nginx.store / name: document}
+
+
+def test_two_hundred_collectors_at_once_lose_nothing(mirel, nginx, tmp_path):
+    (tmp_path / "facts").write_bytes(RAW[:100_000])
+    nginx.template.write_text('{"a": "execute touch ready.$N; until [ -e go ]; do sleep 0.2; done; echo $N; cat facts"}')
+    with ThreadPoolExecutor(200) as pool:
+        runs = [pool.submit(mirel, "-zsh", "127.0.0.1", "-p", str(nginx.port), env={"N": str(n)})
+                for n in range(200)]
+        while len(list(tmp_path.glob("ready.*"))) < 200 and not any(run.done() for run in runs):
+            time.sleep(0.1)
+        (tmp_path / "go").touch()
+
+    assert [run.result().returncode for run in runs] == [0] * 200
+    assert sorted(nginx.stored().values()) == sorted(
+        b'{\n  "a": "%d\\n%s"\n}' % (n, RAW[:100_000]) for n in range(200))
+
+
+@pytest.mark.skipif(not AS_ROOT, reason="mounts a small file system")
+def test_refused_results_leave_nothing_behind(nginx):
+    incoming = nginx.store / "incoming"
+    subprocess.run(["mount", "-t", "tmpfs", "-o", "size=4m,mode=0777", "none", nginx.store], check=True)
+    try:
+        incoming.mkdir(0o700)
+        shutil.chown(incoming, "nobody")
+        assert nginx.post(b"", 0)[0] == 201
+        assert nginx.post(b"", 300 << 20) == (413, {"error": "413"})
+        assert nginx.post(RAW[:5 << 20], 5 << 20) == (500, {"error": "500"})
+        attempts = 1
+        while nginx.post(b"1", 1)[0] != 201 and attempts < 100:
+            attempts += 1
+        assert sorted(nginx.stored().values()) == [b"", b"1"], attempts
+    finally:
+        subprocess.run(["umount", "--lazy", nginx.store], check=True)
+
+
+def hang_up_hard(peer):
+    peer.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+
+
+def wait_for_the_other_end(peer):
+    assert peer.recv(1) == b""
+
+
+@contextmanager
+def server(*answers, whole=True):
+    """Answers one request per connection: with bytes, pauses and deeds in turn. Yields port and requests."""
+    requests = []
+
+    def serve():
+        for answer in answers:
+            peer, _ = listener.accept()
+            with peer:
+                peer.settimeout(30)
+                request = b""
+                while b"\r\n\r\n" not in request:
+                    request += peer.recv(1 << 16)
+                head, _, body = request.partition(b"\r\n\r\n")
+                length = int(head.partition(b"Content-Length: ")[2] or 0)
+                while whole and len(body) < length:
+                    body += peer.recv(1 << 16)
+                requests.append(head + b"\r\n\r\n" + body)
+                for step in answer:
+                    if callable(step):
+                        step(peer)
+                    elif isinstance(step, bytes):
+                        peer.sendall(step)
+                    else:
+                        time.sleep(step)
+        listener.close()
+
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        thread = threading.Thread(target=serve)
+        thread.start()
+        yield listener.getsockname()[1], requests
+        thread.join()
+
+
+TEMPLATE = b'{"a": "b"}'
+DOCUMENT = b'{\n  "a": "b"\n}'
+PLAIN = b"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n" + TEMPLATE
+CHUNKED = b'HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\na\r\n{"a": "b"}\r\n0\r\n\r\n'
+MOVED = b"HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nContent-Length: 0\r\n\r\n"
+NO_JSON = 'Expecting one of: ("{", "["); Actual: string "" on line 1 column 1\n'
+
+# What a server does; the response that is seen; the report when it does so to the download (none: it serves).
+MANNERS = {
+    "404": ([b"HTTP/1.1 404 Not Found\r\n\r\n" + TEMPLATE], b"HTTP/1.1 404 Not Found\r\n\r\n" + TEMPLATE, None),
+    "500": ([b"HTTP/1.1 500 No\r\n\r\n<p>"], b"HTTP/1.1 500 No\r\n\r\n<p>", NO_JSON),
+    "redirect": ([MOVED], MOVED, NO_JSON),
+    "HTTP/1.0": ([b"HTTP/1.0 200 OK\r\n\r\n" + TEMPLATE], b"HTTP/1.0 200 OK\r\n\r\n" + TEMPLATE, None),
+    "chunked": ([CHUNKED, wait_for_the_other_end], CHUNKED, NO_JSON),
+    "kept open": ([PLAIN, wait_for_the_other_end], PLAIN, None),
+    "nothing": ([], b"", NO_JSON),
+    "half a header": ([b"HTTP/1.1 200 OK\r\nCont"], b"HTTP/1.1 200 OK\r\nCont", NO_JSON),
+    "no header": ([b"abc" + TEMPLATE], b"abc" + TEMPLATE, None),
+    "reset": ([PLAIN[:-4], hang_up_hard], PLAIN[:-4],
+              'Expecting one of: ("{", "[", "string"); Actual: ":" on line 1 column 7\n'),
+    "trickle": ([step for byte in PLAIN for step in (bytes([byte]), 0.005)], PLAIN, None),
+    "silent, then dead": ([5.5, hang_up_hard], b"", NO_JSON),
+}
+
+
+@pytest.mark.parametrize("manner", MANNERS)
+def test_servers_that_misbehave(mirel, manner):
+    steps, response, report = MANNERS[manner]
+    host = socket.gethostname().encode()
+    get = b"GET /config HTTP/1.1\r\nHost: " + host + b"\r\n\r\n"
+    post = b"POST /tarn HTTP/1.1\r\nHost: " + host + b"\r\nContent-Length: 14\r\n\r\n" + DOCUMENT
+
+    with server([PLAIN], steps) as (port, requests):
+        sent = outcome(mirel("-zsh", "127.0.0.1", "-p", str(port)))
+    assert (sent, requests) == ((0, DOWNLOAD + upload(response.decode()), ""), [get, post])
+
+    answers = [steps] if report else [steps, [PLAIN]]
+    with server(*answers) as (port, requests):
+        fetched = outcome(mirel("-zsh", "127.0.0.1", "-p", str(port)))
+    assert (fetched, requests) == (
+        ((255, DOWNLOAD + report, ""), [get]) if report else
+        ((0, DOWNLOAD + upload(PLAIN.decode()), ""), [get, post]))
+
+
+def test_refusal_before_the_body_is_read(mirel, tmp_path):
+    (tmp_path / "facts").write_bytes(b"x" * 30_000_000)
+    refusal = b"HTTP/1.1 413 Too Large\r\nContent-Length: 0\r\n\r\n"
+    template = b'HTTP/1.1 200 OK\r\n\r\n{"a": "execute cat facts"}'
+    with server([template], [refusal, 0.5], whole=False) as (port, _):
+        sent = outcome(mirel("-zsh", "127.0.0.1", "-p", str(port)))
+    assert sent == (0, DOWNLOAD + upload(refusal.decode(), f"failed to send: {'x' * 1024}\n"), "")
+
+
+@pytest.mark.parametrize("host, port, error", [
+    ("127.0.0.1", "1", "failed to connect"),
+    ("", "8081", "failed to get hostname"),
+    ("127.0.0.1", "0", "failed to init node addr handle"),
+    ("127.0.0.1", "abc", "failed to init node addr handle"),
+    ("127.0.0.1", "65536", "failed to init node addr handle"),
+])
+def test_unreachable_servers(mirel, host, port, error):
+    assert outcome(mirel("-zsh", host, "-p", port)) == (
+        255, DOWNLOAD.replace("127.0.0.1", host) + NO_JSON, error + "\n")
+
+
+def test_server_that_is_gone_before_the_upload(mirel):
+    with server([b'HTTP/1.1 200 OK\r\n\r\n{"a": "execute sleep 0.2"}']) as (port, _):
+        assert outcome(mirel("-zsh", "127.0.0.1", "-p", str(port))) == (
+            0, DOWNLOAD + upload(""), "failed to connect\n")
