@@ -81,7 +81,7 @@ Engine describeEngine(OdbcHandle connection) {
   short length = 0;
   odbc().getInfo(connection, kOdbcIdentifierCase, &identifierCase, sizeof identifierCase, &length);
   engine.reportsUpperCase = identifierCase == kOdbcUpperCase;
-  engine.dialect = &dialectOf(engine.name.data());
+  engine.dialect = &dialectOf(engine.name.data(), engine.version.data());
   return engine;
 }
 

@@ -35,7 +35,7 @@ struct Engine {
   Text driver{};
   Text driverVersion{};
   bool reportsUpperCase = false;  ///< unquoted column names come in upper case already
-  const Dialect* dialect = &dialectOf({});
+  const Dialect* dialect = &dialectOf({}, {});
 };
 
 struct Connection {

@@ -21,7 +21,7 @@ namespace {
 std::optional<std::string> prepare(Statement* statement, std::string_view text) {
   const host::Dialect& dialect = *statement->connection->engine.dialect;
   statement->quotedNames = host::QuotedNames(text, dialect);
-  return host::unwrapTableFunctions(text, dialect);
+  return host::adaptStatement(text, dialect);
 }
 
 }  // namespace

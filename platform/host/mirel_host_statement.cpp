@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 
 #include "platform/host/mirel_host_tokens.h"
 
@@ -11,16 +12,25 @@ namespace host {
 
 namespace {
 
-/// The first is that of every engine not listed.
-constexpr std::array<Dialect, 4> kDialects{{
+/// The driver takes the text encoding from the environment of the process; facts are UTF-8.
+constexpr const char* kUtf8Session = "set client_encoding to 'UTF8'";
+
+/// The first is that of every engine not listed; for the others the first that fits holds.
+constexpr std::array<Dialect, 5> kDialects{{
     {.backtickNames = true},
     {.engine = "SQLite", .bareTableFunctions = true, .bracketNames = true, .backtickNames = true},
-    // The driver takes the text encoding from the environment of the process; facts are UTF-8.
+    {.engine = "PostgreSQL",
+     .before = 16,
+     .bareTableFunctions = true,
+     .namedSubqueries = true,
+     .nestedComments = true,
+     .dollarQuotes = true,
+     .sessionStart = kUtf8Session},
     {.engine = "PostgreSQL",
      .bareTableFunctions = true,
      .nestedComments = true,
      .dollarQuotes = true,
-     .sessionStart = "set client_encoding to 'UTF8'"},
+     .sessionStart = kUtf8Session},
     {.engine = "Microsoft SQL Server", .bracketNames = true, .nestedComments = true},
 }};
 
@@ -32,13 +42,22 @@ constexpr std::array<std::string_view, 16> kClauses{
     "select", "where",     "group",  "having", "order", "window", "union", "intersect",
     "except", "returning", "values", "limit",  "fetch", "for",    "set",   "with"};
 
+/// Further words that may follow a table in FROM and are not its name.
+constexpr std::array<std::string_view, 11> kBehindTables{
+    "join", "inner", "left", "right", "full", "cross", "natural", "on", "using", "tablesample", "offset"};
+
 bool sameWord(std::string_view a, std::string_view b) {
   return a.size() == b.size() && strncasecmp(a.data(), b.data(), a.size()) == 0;
 }
 
+template <std::size_t count>
+bool isOneOf(const std::array<std::string_view, count>& words, std::string_view word) {
+  return std::any_of(words.begin(), words.end(),
+                     [word](std::string_view known) { return sameWord(word, known); });
+}
+
 bool beginsClause(std::string_view word) {
-  return std::any_of(kClauses.begin(), kClauses.end(),
-                     [word](std::string_view clause) { return sameWord(word, clause); });
+  return isOneOf(kClauses, word);
 }
 
 /// A quoted name as the engine sees it: without its quotes, doubled ones inside made single.
@@ -57,11 +76,11 @@ std::string unquoted(std::string_view token) {
   return name;
 }
 
-/// Follows a statement token by token and notes what has to be cut out of it.
-class Unwrapper {
+/// Follows a statement token by token and notes what has to be cut out of it and put into it.
+class Adapter {
  public:
-  Unwrapper(std::string_view statement, const Dialect& dialect)
-      : m_text(statement), m_tokens(statement, dialect) {}
+  Adapter(std::string_view statement, const Dialect& dialect)
+      : m_text(statement), m_dialect(dialect), m_tokens(statement, dialect) {}
 
   std::optional<std::string> run();
 
@@ -71,18 +90,23 @@ class Unwrapper {
 
   /// What an open parenthesis encloses; the outermost level is the statement.
   struct Level {
-    bool inFrom = false;       ///< a comma leads to the next table
-    Call call = Call::none;    ///< of a `table(`
-    std::size_t firstCut = 0;  ///< of a `table(`: its cuts in m_cuts
+    bool inFrom = false;        ///< a comma leads to the next table
+    Call call = Call::none;     ///< of a `table(`
+    std::size_t firstEdit = 0;  ///< of a `table(`: its edits in m_edits
+    bool atTable = false;       ///< stands where a table does
+    bool subquery = false;      ///< begins like a query, and stands there
   };
 
-  struct Cut {
+  /// Replaces what stands from begin to end.
+  struct Edit {
     std::size_t begin;
     std::size_t end;
     bool confirmed;
+    std::string text{};
   };
 
   bool step(const Token& token);
+  void name(const Token& next);
   void open(const Token& token);
   bool close(const Token& token);
   void word(const Token& token);
@@ -93,14 +117,17 @@ class Unwrapper {
   }
 
   const std::string_view m_text;
+  const Dialect& m_dialect;
   Tokens m_tokens;
   std::vector<Level> m_levels{1};
-  std::vector<Cut> m_cuts;         // in the order of the text
+  std::vector<Edit> m_edits;       // in the order of the text
+  std::size_t m_names = 0;         // given to subqueries so far
+  std::size_t m_nameless = 0;      // where a subquery has just ended; 0: nowhere
   bool m_atTable = false;          // the next token stands where a table does
   std::optional<Token> m_wrapper;  // the word `table`, just read in such a place
 };
 
-std::optional<std::string> Unwrapper::run() {
+std::optional<std::string> Adapter::run() {
   Token token = m_tokens.next();
   while (token.kind != Token::Kind::end) {
     if (!step(token)) {
@@ -108,15 +135,17 @@ std::optional<std::string> Unwrapper::run() {
     }
     token = m_tokens.next();
   }
+  name(token);
   return m_levels.size() == 1 ? result() : std::nullopt;
 }
 
 /// False when the text turns out not to be understood.
-bool Unwrapper::step(const Token& token) {
+bool Adapter::step(const Token& token) {
   const bool isSymbol = token.kind == Token::Kind::symbol;
   if (token.kind == Token::Kind::torn) {
     return false;
   }
+  name(token);
   if (isSymbol && m_text[token.begin] == '(') {
     open(token);
     return true;
@@ -129,13 +158,25 @@ bool Unwrapper::step(const Token& token) {
   return true;
 }
 
-void Unwrapper::open(const Token& token) {
+/// Names the subquery that has just ended, unless the next token does.
+void Adapter::name(const Token& next) {
+  const bool named =
+      next.kind == Token::Kind::name || (next.kind == Token::Kind::word && !beginsClause(textOf(next)) &&
+                                         !isOneOf(kBehindTables, textOf(next)));
+  if (m_nameless != 0 && !named) {
+    m_edits.push_back({m_nameless, m_nameless, true, " as mirel_" + std::to_string(++m_names)});
+  }
+  m_nameless = 0;
+}
+
+void Adapter::open(const Token& token) {
   Level inner;
+  inner.atTable = m_atTable;
   if (m_wrapper) {
     inner.call = Call::begun;
-    inner.firstCut = m_cuts.size();
-    m_cuts.push_back({m_wrapper->begin, m_wrapper->end, false});
-    m_cuts.push_back({token.begin, token.end, false});
+    inner.firstEdit = m_edits.size();
+    m_edits.push_back({m_wrapper->begin, m_wrapper->end, false});
+    m_edits.push_back({token.begin, token.end, false});
     m_wrapper.reset();
   } else {
     inner.inFrom = m_atTable;  // a join in parentheses
@@ -146,7 +187,7 @@ void Unwrapper::open(const Token& token) {
   m_levels.push_back(inner);
 }
 
-bool Unwrapper::close(const Token& token) {
+bool Adapter::close(const Token& token) {
   const Level closed = m_levels.back();
   m_levels.pop_back();
   m_atTable = false;
@@ -154,17 +195,18 @@ bool Unwrapper::close(const Token& token) {
     return false;
   }
   if (closed.call == Call::complete) {
-    m_cuts[closed.firstCut].confirmed = m_cuts[closed.firstCut + 1].confirmed = true;
-    m_cuts.push_back({token.begin, token.end, true});
+    m_edits[closed.firstEdit].confirmed = m_edits[closed.firstEdit + 1].confirmed = true;
+    m_edits.push_back({token.begin, token.end, true});
   }
   if (m_levels.back().call == Call::open) {
     m_levels.back().call = Call::complete;
   }
+  m_nameless = closed.subquery && m_dialect.namedSubqueries ? token.end : 0;
   return true;
 }
 
 /// A token that is no parenthesis.
-void Unwrapper::follow(const Token& token) {
+void Adapter::follow(const Token& token) {
   Level& level = m_levels.back();
   const bool isWord = token.kind == Token::Kind::word;
   const char symbol = token.kind == Token::Kind::symbol ? m_text[token.begin] : '\0';
@@ -185,7 +227,7 @@ void Unwrapper::follow(const Token& token) {
   }
 }
 
-void Unwrapper::word(const Token& token) {
+void Adapter::word(const Token& token) {
   bool& inFrom = m_levels.back().inFrom;
   const std::string_view text = textOf(token);
   const bool wasAtTable = m_atTable;
@@ -200,16 +242,17 @@ void Unwrapper::word(const Token& token) {
     m_wrapper = wasAtTable ? std::optional(token) : std::nullopt;
   } else if (beginsClause(text)) {
     inFrom = false;
+    m_levels.back().subquery = m_levels.back().subquery || (wasAtTable && m_levels.back().atTable);
   }
 }
 
-std::optional<std::string> Unwrapper::result() const {
+std::optional<std::string> Adapter::result() const {
   std::string rest;
   std::size_t kept = 0;
-  for (const Cut& cut : m_cuts) {
-    if (cut.confirmed) {
-      rest.append(m_text, kept, cut.begin - kept);
-      kept = cut.end;
+  for (const Edit& edit : m_edits) {
+    if (edit.confirmed) {
+      rest.append(m_text, kept, edit.begin - kept).append(edit.text);
+      kept = edit.end;
     }
   }
   if (kept == 0) {
@@ -220,9 +263,11 @@ std::optional<std::string> Unwrapper::result() const {
 
 }  // namespace
 
-const Dialect& dialectOf(std::string_view engine) {
-  const auto known = std::find_if(kDialects.begin() + 1, kDialects.end(),
-                                  [engine](const Dialect& dialect) { return dialect.engine == engine; });
+const Dialect& dialectOf(std::string_view engine, std::string_view version) {
+  const int major = std::atoi(std::string(version).c_str());
+  const auto known = std::find_if(kDialects.begin() + 1, kDialects.end(), [&](const Dialect& dialect) {
+    return dialect.engine == engine && (dialect.before == 0 || major < dialect.before);
+  });
   return known != kDialects.end() ? *known : kDialects.front();
 }
 
@@ -243,8 +288,8 @@ bool QuotedNames::include(std::string_view reported) const {
          (first->size() == reported.size() || reported.size() >= kCutLength);
 }
 
-std::optional<std::string> unwrapTableFunctions(std::string_view statement, const Dialect& dialect) {
-  return dialect.bareTableFunctions ? Unwrapper(statement, dialect).run() : std::nullopt;
+std::optional<std::string> adaptStatement(std::string_view statement, const Dialect& dialect) {
+  return dialect.bareTableFunctions ? Adapter(statement, dialect).run() : std::nullopt;
 }
 
 }  // namespace host

@@ -13,17 +13,19 @@ namespace host {
 
 /// How an engine's SQL is written and what it needs, where that differs from the standard.
 struct Dialect {
-  std::string_view engine = {};        ///< as the driver names it (SQL_DBMS_NAME); empty: every other engine
-  bool bareTableFunctions = false;     ///< FROM has f(args) where the product has table(f(args))
-  bool bracketNames = false;           ///< [name] is a quoted name; elsewhere brackets are arrays
-  bool backtickNames = false;          ///< `name` is one, too
-  bool nestedComments = false;         ///< a /* */ comment may hold others
-  bool dollarQuotes = false;           ///< $tag$text$tag$ and E'text with \' in it' are strings
+  std::string_view engine = {};  ///< as the driver names it (SQL_DBMS_NAME); empty: every other engine
+  int before = 0;                ///< major version of the engine from which on this no longer holds; 0: all
+  bool bareTableFunctions = false;  ///< FROM has f(args) where the product has table(f(args))
+  bool namedSubqueries = false;  ///< refuses a subquery in FROM that bears no name, which the product takes
+  bool bracketNames = false;     ///< [name] is a quoted name; elsewhere brackets are arrays
+  bool backtickNames = false;    ///< `name` is one, too
+  bool nestedComments = false;   ///< a /* */ comment may hold others
+  bool dollarQuotes = false;     ///< $tag$text$tag$ and E'text with \' in it' are strings
   const char* sessionStart = nullptr;  ///< a statement that opens every session; null: none
 };
 
-/// The dialect of an engine.
-const Dialect& dialectOf(std::string_view engine);
+/// The dialect of an engine, by its name and version ("15.0.18") as the driver tells them.
+const Dialect& dialectOf(std::string_view engine, std::string_view version);
 
 /// The quoted names of a statement.
 class QuotedNames {
@@ -39,9 +41,10 @@ class QuotedNames {
   std::vector<std::string> m_names;  // sorted
 };
 
-/// The statement with every `table(f(args))` in a FROM clause turned into `f(args)`. Nothing when there is
-/// none, the engine knows the product's form or is unknown, or the statement's quotes or parentheses do not
-/// match; the statement then stands as it is.
-std::optional<std::string> unwrapTableFunctions(std::string_view statement, const Dialect& dialect);
+/// The statement in the form that the engine understands: every `table(f(args))` in a FROM clause turned into
+/// `f(args)`, and a name given to every subquery there that has none, as far as the dialect asks for it.
+/// Nothing when there is nothing to do, the engine is unknown, or the statement's quotes or parentheses do
+/// not match; the statement then stands as it is.
+std::optional<std::string> adaptStatement(std::string_view statement, const Dialect& dialect);
 
 }  // namespace host

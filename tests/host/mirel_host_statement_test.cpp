@@ -11,11 +11,12 @@ using namespace host;
 constexpr const char *LITE = "SQLite", *POSTGRES = "PostgreSQL", *SERVER = "Microsoft SQL Server",
                      *OTHER = "X";
 
-TEST(TableFunctions, AreUnwrappedInFromClausesOnly) {
+TEST(Statements, AreAdaptedInFromClausesOnly) {
   const std::string deep(100000, '('), shut(100000, ')');
   const struct {
     const char* engine;
     std::string statement, expected;  // "": untouched
+    const char* version = "16.1";
   } rows[] = {
       {LITE, "from table(sysproc.f())", "from sysproc.f()"},
       {POSTGRES, "from TABLE(f(-2)) where a like '%(%'", "from f(-2) where a like '%(%'"},
@@ -54,9 +55,19 @@ TEST(TableFunctions, AreUnwrappedInFromClausesOnly) {
       {LITE, "from table(f(1)) /* a", ""},
       {POSTGRES, "from table(f(1)), $a$ $b$", ""},
       {LITE, "", ""},
+      {POSTGRES, "select count(*) from (select distinct a from b)",
+       "select count(*) from (select distinct a from b) as mirel_1", "15.0.18"},
+      {POSTGRES, "from (select 1), ((select 2) as x cross join (values (3)) on c) where d in (select 4)",
+       "from (select 1) as mirel_1, ((select 2) as x cross join (values (3)) as mirel_2 on c) where d in "
+       "(select 4)",
+       "9.6"},
+      {POSTGRES, "from (select 1) a, (select 2) as b, (select 3)\"c\", f((select 4)), (a join b)", "", "15"},
+      {POSTGRES, "from (select 1 from table(f(2))) order by 1", "from (select 1 from f(2)) order by 1",
+       "16.0.1"},
+      {LITE, "from (select 1)", "", "3"},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(row.expected, unwrapTableFunctions(row.statement, dialectOf(row.engine)).value_or(""))
+    EXPECT_EQ(row.expected, adaptStatement(row.statement, dialectOf(row.engine, row.version)).value_or(""))
         << row.statement.substr(0, 200);
   }
 }
@@ -83,7 +94,7 @@ TEST(QuotedNames, AreThoseTheEngineTakesForNames) {
       {OTHER, "", "", false},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(row.quoted, QuotedNames(row.statement, dialectOf(row.engine)).include(row.name))
+    EXPECT_EQ(row.quoted, QuotedNames(row.statement, dialectOf(row.engine, "")).include(row.name))
         << row.statement << " " << row.name;
   }
 }
