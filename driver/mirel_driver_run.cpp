@@ -4,6 +4,7 @@
 #include "driver/mirel_driver_options.h"
 #include "generator/mirel_generator_walk.h"
 #include "json/mirel_json_parser.h"
+#include "platform/progress.h"
 #include "platform/services.h"
 
 namespace {
@@ -19,6 +20,7 @@ void collect(const RunSettings& settings, CustomerCollector* customer, JsonParse
   Value* root = parser->parse(readConfig(settings.send, settings.host, settings.port));
   generator->set(settings.database, customer);
   root->accept(*generator);
+  progressHide();
   const mirel_string result = root->stringify(0);
   writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
   delete root;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/progress.h"
+
 namespace {
 
 /// The key that the third word of a "$foreach" key names: the brackets, or whatever stands there, go.
@@ -13,12 +15,14 @@ mirel_string withoutBrackets(const mirel_string& word) {
 
 void Generator::set(const mirel_string& database, CustomerCollector* customer) {
   if (database.length() > 1) {
+    progressShow("connecting");
     const SQLRETURN code = m_connection.connect(database);
     if (code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO) {
       m_databaseName = database;
     }
   }
   m_customer = customer;
+  progressShow("taking the facts of the host");
   m_instance.collect();
   m_platform.collect();
   m_customer->collect();
@@ -51,6 +55,7 @@ void Generator::visit(KeyValuePair* pair) {
   }
   Value* value = pair->getValue();
   if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
+    progressShow(pair->getKey().c_str());
     parseAndExecute(primitive, pair);
   } else if (value != nullptr) {
     value->accept(*this);

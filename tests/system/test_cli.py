@@ -1,5 +1,6 @@
 """The command line, standard output and the result file, on the real host without a database."""
 import os
+import re
 import subprocess
 
 import pytest
@@ -80,3 +81,17 @@ def test_losing_standard_output_costs_neither_file_nor_status(tmp_path, instance
     assert status.returncode == 0
     document = (tmp_path / "out").read_text()
     assert dict(members(document))["tarn_version"] == "1.1" and document.endswith("}")
+
+
+def test_long_work_shows_on_a_terminal_only(mirel, instance, tmp_path):
+    (tmp_path / "bin/katolevel").write_text("#!/bin/sh\nsleep 2.5\necho 1\n")
+    terminal, side = os.openpty()
+    shown = mirel("-z", env=instance, stderr=side)
+    os.close(side)
+    line = os.read(terminal, 10_000).decode()
+    os.close(terminal)
+    hidden = mirel("-z", env=instance)
+    assert re.fullmatch(r"(\r\[\d s\] \d+: versionRaw\x1b\[K\r)+\r\x1b\[K", line)
+    assert (shown.returncode, hidden.returncode, hidden.stderr) == (0, 0, b"")
+    assert [line.split(b":")[0] for line in shown.stdout.splitlines()] == \
+        [line.split(b":")[0] for line in hidden.stdout.splitlines()]
