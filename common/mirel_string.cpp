@@ -79,6 +79,7 @@ mirel_string::~mirel_string() {
   strFree();
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): its outcome is part of the interface
 mirel_string& mirel_string::operator=(const mirel_string& other) {
   strFree();
   copyFrom(other);

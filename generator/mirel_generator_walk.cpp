@@ -33,8 +33,8 @@ void Generator::visit(Value*) {}
 void Generator::visit(PrimitiveValue*) {}
 
 void Generator::visit(ObjectValue* object) {
-  const std::vector<KeyValuePair*> members = object->getValues();
-  for (KeyValuePair* member : members) {
+  // Members change on the way, but none comes or goes.
+  for (KeyValuePair* member : object->getValues()) {
     member->accept(*this);
   }
 }

@@ -124,14 +124,12 @@ void HttpResponse::endHead() {
     m_state = State::statusLine;
   } else if (m_status == 204 || m_status == 304) {
     m_state = State::complete;
-  } else if (m_contradictory) {
+  } else if (m_contradictory || (!m_chunked && !m_hasLength)) {
     m_state = State::untilClose;
   } else if (m_chunked) {
     m_state = State::chunkSize;
-  } else if (m_hasLength) {
-    m_state = m_remaining == 0 ? State::complete : State::body;
   } else {
-    m_state = State::untilClose;
+    m_state = m_remaining == 0 ? State::complete : State::body;
   }
 }
 

@@ -30,7 +30,7 @@ extern "C" {
 /// to readers that go away: a broken pipe is an error of the write, never a signal that ends the run.
 unsigned int ossOneTimeOnly();
 
-/// Ends the services; once, after every other call of the platform.
+/// Ends the services; once. Only memory is given back, and a connection closed, after it.
 void ossTerminate();
 
 /// The next option of the command line: its letter, '?' for an unknown option or one whose argument is

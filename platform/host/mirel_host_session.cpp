@@ -33,7 +33,7 @@ SQLRETURN publish(std::unique_ptr<Record> record, SQLHANDLE* output) {
     odbc().freeHandle(Record::kType, record->native);
     return refuse(Record::kType, kOutOfHandles);
   }
-  record.release();
+  static_cast<void>(record.release());  // found by its handle from now on
   return SQL_SUCCESS;
 }
 
