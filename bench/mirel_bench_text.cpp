@@ -5,23 +5,13 @@
 #include <memory>
 #include <string>
 
+#include "bench/mirel_bench_document.h"
 #include "collectors/mirel_collectors_system.h"
 #include "generator/mirel_generator_walk.h"
 #include "json/mirel_json_parser.h"
 #include "json/mirel_json_value.h"
 
 namespace {
-
-/// A document of about `size` bytes in the shape of our own output: rows of eight short columns.
-std::string document(long size) {
-  const std::string row =
-      R"({"TABSCHEMA": "SYSCAT", "TABNAME": "TABLES", "TYPE": "V", "STATUS": "N", "COLCOUNT": "72", )"
-      R"("CARD": "-1", "NPAGES": "-1", "STATS_TIME": "2026-11-21-02.44.01"})";
-  std::string text = R"({"rows": [)" + row;
-  while (text.size() + row.size() < static_cast<unsigned long>(size))
-    text += ", " + row;
-  return text + "]}";
-}
 
 std::string repeated(const std::string& piece, long size) {
   std::string text;
