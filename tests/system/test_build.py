@@ -1,5 +1,6 @@
 """What the built files must and must not contain: the seam to the machine, direction of includes, linkage."""
 import os
+import platform
 import re
 import subprocess
 from pathlib import Path
@@ -62,3 +63,14 @@ def test_binary_needs_the_language_runtime_only_and_hides_its_call_level_interfa
     assert set(needed) <= {"libc", "libstdc++", "libm", "libgcc_s"} and "libc" in needed
     exported = tool("nm", "-D", "--defined-only", RELEASE / "mirel")
     assert not re.search(r"\bSQL[A-Z]", exported)
+
+
+def test_release_is_hardened():
+    module = [r"Type:\s+DYN", "GNU_RELRO", r"\(FLAGS_1\).* NOW", "GNU_STACK .* RW ", "__stack_chk_fail@"]
+    program = [*module, r"\(FLAGS_1\).* PIE", r"__\w+_chk@"]
+    for name, wanted in (("mirel", program), ("mirel_catalog_sqlite.so", module)):
+        text = tool("readelf", "--dyn-syms", "-hldW", RELEASE / name)
+        assert [feature for feature in wanted if not re.search(feature, text)] == [], name
+    if platform.machine() == "x86_64":
+        notes = tool("readelf", "-nW", RELEASE / "libmirel_core.a")
+        assert 0 < notes.count("IBT, SHSTK") == notes.count("File: ")

@@ -1,0 +1,99 @@
+"""The Debian package: the same from any folder, sound for lintian, whole when installed, gone when removed."""
+import os
+import re
+import subprocess
+from pathlib import Path
+from tempfile import TemporaryDirectory
+
+import pytest
+
+from conftest import ROOT, members
+
+BUILD = """
+  mkdir "$1" && tar -C "$0" --exclude=./.git --exclude=./build -c . | tar -C "$1" --no-same-permissions -x &&
+  touch -d "$3" "$1/README.md" &&
+  cmake -S "$1" -B "$1/build" -DCMAKE_BUILD_TYPE=Release && cmake --build "$1/build" &&
+  cpack -G DEB --config "$1/build/CPackConfig.cmake" -B "$2" """
+COMPLETE = """
+  compopt() { :; }
+  source "$0"; COMP_WORDS=(mirel "$@"); COMP_CWORD=$#; _mirel; printf '%s\n' "${COMPREPLY[@]}" """
+PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
+MANUAL = (ROOT / "docs/mirel.1").read_text()
+EXAMPLES = "usr/share/doc/mirel/examples"
+
+
+def run(*command, **options):
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False, **options)
+    assert done.returncode == 0, done.stdout
+    return done.stdout
+
+
+@pytest.fixture(scope="module")
+def packages(tmp_path_factory):
+    """Two packages. Folder, umask, a file's time, time zone, and the file system of the packing differ."""
+    folder = tmp_path_factory.mktemp("package")
+    with TemporaryDirectory(dir="/dev/shm") as memory:
+        variants = [(folder / "a", folder, "2001-01-01", 0o022, "UTC"),
+                    (folder / "another", Path(memory), "2002-02-02", 0o077, "Asia/Tokyo")]
+        builds = [subprocess.Popen(["sh", "-c", BUILD, ROOT, *places], umask=umask, env={"PATH": PATH, "TZ": zone})
+                  for *places, umask, zone in variants]
+        assert [build.wait() for build in builds] == [0, 0]
+        yield [next(target.glob("*.deb")) for _, target, *_ in variants]
+
+
+@pytest.fixture(scope="module")
+def root(packages, tmp_path_factory):
+    """A scratch root with the package installed. Removing the package has to leave nothing."""
+    folder = tmp_path_factory.mktemp("root")
+    for part in ("info", "updates", "triggers"):
+        (folder / "var/lib/dpkg" / part).mkdir(parents=True)
+    (folder / "var/lib/dpkg/status").touch()
+    dpkg = ("dpkg", f"--root={folder}", "--log=/dev/null", "--path-include=/usr/*", "--force-depends")
+    run(*dpkg, "--install", packages[0], env={"PATH": PATH})
+    yield folder
+    run(*dpkg, "--purge", "mirel", env={"PATH": PATH})
+    assert os.listdir(folder) == ["var"]
+
+
+def test_packages_are_the_same_and_sound(packages):
+    assert packages[0].read_bytes() == packages[1].read_bytes()
+    depends = run("dpkg-deb", "-f", packages[0], "Depends")
+    assert re.findall(r"(\S+) \(", depends) == ["libc6", "libgcc-s1", "libstdc++6"]
+    run("lintian", "--fail-on=error,warning", "--suppress-tags=initial-upload-closes-no-bugs", packages[0])
+
+
+def test_installed_program_collects_from_the_installed_sample(root, tmp_path):
+    run(root / EXAMPLES / "sample/create", tmp_path, root / "usr/lib/mirel")
+    text = run("bash", "-c", '. "$0/env" && "$1" -z -d SAMPLE', tmp_path, root / "usr/bin/mirel")
+    assert dict(dict(members(text))["databaseInfo"][0])["numberOfTables"].isdigit()
+
+
+def test_units_are_valid_and_confined(root, tmp_path):
+    units = [tmp_path / "mirel.service", tmp_path / "mirel.timer"]
+    for unit in units:
+        text = (root / EXAMPLES / "systemd" / unit.name).read_text()
+        unit.write_text(text.replace("=/usr/bin/mirel", f"={root}/usr/bin/mirel"))
+    assert run("systemd-analyze", "verify", "--man=no", "--recursive-errors=no", *units) == ""
+    run("systemd-analyze", "security", "--offline=true", "--threshold=28", units[0])
+    (tmp_path / "etc").mkdir()
+    run("systemd-sysusers", f"--root={tmp_path}", root / EXAMPLES / "systemd/mirel.sysusers")
+    assert re.match(r"mirel:x:\d+:\d+:.*:/usr/sbin/nologin\n$", (tmp_path / "etc/passwd").read_text())
+
+
+@pytest.mark.parametrize("words, expected", [
+    (["-zo", "a"], ["a dir"]),
+    (["--outfile", "=", "f"], ["facts.json"]),
+    (["--database", "="], [r"My\ Shop", "SALES", "SYSTEM"]),
+    (["-d", r"My\ "], [r"My\ Shop"]),
+    (["--port", ""], [""]),
+    (["-d", "X", "--out"], ["--outfile"]),
+    ([""], sorted(option for letter, name in re.findall(r"^\.It Fl (\w)\b.*, Fl -(\w+)", MANUAL, re.M)
+                  for option in (f"-{letter}", f"--{name}")))])
+def test_completion(root, tmp_path, words, expected):
+    (tmp_path / "a dir").mkdir()
+    (tmp_path / "facts.json").touch()
+    (tmp_path / ".odbc.ini").write_text("[ODBC Data Sources]\nX = Y\n [ My Shop ]\nTrace = [x]\n;[OFF]\n[SALES]")
+    (tmp_path / "odbc.ini").write_text("[SYSTEM]\n")
+    answer = run("bash", "-c", COMPLETE, root / "usr/share/bash-completion/completions/mirel", *words,
+                 cwd=tmp_path, env={"PATH": PATH, "HOME": tmp_path, "ODBCSYSINI": tmp_path})
+    assert sorted(answer.splitlines()) == expected
