@@ -29,14 +29,14 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 /// Shared by all addresses of a host, so that one that swallows packets leaves time for the next.
-constexpr seconds connectLimit{30};
+constexpr seconds kConnectLimit{30};
 
 // A peer that vanished ends the connection after two minutes, whether it idles or has data under way; so
 // does one that is alive but takes nothing.
-constexpr int keepaliveIdleSeconds = 60;
-constexpr int keepaliveIntervalSeconds = 10;
-constexpr int keepaliveProbes = 6;
-constexpr int unacknowledgedMilliseconds = 120'000;
+constexpr int kKeepaliveIdleSeconds = 60;
+constexpr int kKeepaliveIntervalSeconds = 10;
+constexpr int kKeepaliveProbes = 6;
+constexpr int kUnacknowledgedMilliseconds = 120'000;
 
 /// An IPv6 address, or an IPv4 address mapped into IPv6 (::ffff:192.0.2.1).
 struct Address {
@@ -44,11 +44,11 @@ struct Address {
   std::uint32_t scope;
 };
 
-constexpr std::size_t addressLimit = (sizeof(SqloHostAddress) - sizeof(std::uint32_t)) / sizeof(Address);
+constexpr std::size_t kAddressLimit = (sizeof(SqloHostAddress) - sizeof(std::uint32_t)) / sizeof(Address);
 
 struct AddressList {
   std::uint32_t count;
-  std::array<Address, addressLimit> addresses;
+  std::array<Address, kAddressLimit> addresses;
 };
 
 struct Node {
@@ -108,10 +108,10 @@ int openDescriptor() {
   }
   if (descriptor >= 0) {
     setOption(descriptor, SOL_SOCKET, SO_KEEPALIVE, 1);
-    setOption(descriptor, IPPROTO_TCP, TCP_KEEPIDLE, keepaliveIdleSeconds);
-    setOption(descriptor, IPPROTO_TCP, TCP_KEEPINTVL, keepaliveIntervalSeconds);
-    setOption(descriptor, IPPROTO_TCP, TCP_KEEPCNT, keepaliveProbes);
-    setOption(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, unacknowledgedMilliseconds);
+    setOption(descriptor, IPPROTO_TCP, TCP_KEEPIDLE, kKeepaliveIdleSeconds);
+    setOption(descriptor, IPPROTO_TCP, TCP_KEEPINTVL, kKeepaliveIntervalSeconds);
+    setOption(descriptor, IPPROTO_TCP, TCP_KEEPCNT, kKeepaliveProbes);
+    setOption(descriptor, IPPROTO_TCP, TCP_USER_TIMEOUT, kUnacknowledgedMilliseconds);
   }
   return descriptor;
 }
@@ -203,7 +203,7 @@ void append(AddressList* list, const Address& address) {
   const bool known = std::any_of(list->addresses.begin(), end, [&address](const Address& other) {
     return IN6_ARE_ADDR_EQUAL(&other.ip, &address.ip) && other.scope == address.scope;
   });
-  if (!known && list->count < addressLimit) {
+  if (!known && list->count < kAddressLimit) {
     *end = address;
     ++list->count;
   }
@@ -274,7 +274,7 @@ unsigned int sqloPdbTcpIpResolveHostName(const char* host, SqloHostAddress* addr
 unsigned int sqloPdbInitNodeAddrHndl(int /*type*/, SqloNodeAddress* node, const SqloHostAddress* address,
                                      unsigned int port) {
   Node target{contentOf<AddressList>(*address), port};
-  const bool usable = target.host.count <= addressLimit && port != 0 && port <= 0xffff;
+  const bool usable = target.host.count <= kAddressLimit && port != 0 && port <= 0xffff;
   if (!usable) {
     target = {};
   }
@@ -288,7 +288,7 @@ unsigned int sqloPdbConnectSocket(int handle, const SqloNodeAddress* node) {
     return EBADF;
   }
   const auto target = contentOf<Node>(*node);
-  const Clock::time_point deadline = Clock::now() + connectLimit;
+  const Clock::time_point deadline = Clock::now() + kConnectLimit;
   int error = EDESTADDRREQ;
   for (std::uint32_t i = 0; i < target.host.count; ++i) {
     const Clock::time_point now = Clock::now();
