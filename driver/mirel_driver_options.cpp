@@ -16,38 +16,24 @@ constexpr SqloLongOption kLongOptions[] = {
     {"address", true, 'a'},  {nullptr, false, 0},
 };
 
-/// The setting that an option's argument goes into as it is; null for the other options.
-mirel_string* textSetting(RunSettings* settings, int letter) {
-  switch (letter) {
-    case 'd':
-      return &settings->database;
-    case 'o':
-      return &settings->outfile;
-    case 'h':
-      return &settings->host;
-    case 'e':
-      return &settings->email;
-    case 'n':
-      return &settings->name;
-    case 'c':
-      return &settings->company;
-    case 'i':
-      return &settings->icn;
-    case 'r':
-      return &settings->country;
-    case 't':
-      return &settings->telephone;
-    case 'a':
-      return &settings->address;
-    default:
-      return nullptr;
-  }
-}
+/// The options whose argument is a setting as it is.
+constexpr struct {
+  int letter;
+  mirel_string RunSettings::*setting;
+} kTextSettings[] = {
+    {'d', &RunSettings::database}, {'o', &RunSettings::outfile}, {'h', &RunSettings::host},
+    {'e', &RunSettings::email},    {'n', &RunSettings::name},    {'c', &RunSettings::company},
+    {'i', &RunSettings::icn},      {'r', &RunSettings::country}, {'t', &RunSettings::telephone},
+    {'a', &RunSettings::address},
+};
 
 void apply(int letter, const char* argument, RunSettings* settings) {
-  if (mirel_string* text = textSetting(settings, letter)) {
-    *text = argument;
-  } else if (letter == 'p') {
+  for (const auto& option : kTextSettings) {
+    if (option.letter == letter) {
+      settings->*option.setting = argument;
+    }
+  }
+  if (letter == 'p') {
     settings->port = strtoul(argument, nullptr, 10);
   } else if (letter == 's') {
     settings->send = true;
