@@ -15,8 +15,8 @@ class InstanceCollector {
   /// Takes the level information and the number of catalogued databases.
   void collect();
 
-  /// Makes the entry's database current and reads its configuration. The entry is not owned and must
-  /// outlive the questions about it.
+  /// Makes the entry's database current and reads its configuration. The entry is not owned; what is asked
+  /// later is answered without it.
   void setDb(const katoDbDirInfoV9* entry);
 
   /// "coderelease", "version", "buildlevel", "ptf", "fixpack".

@@ -58,6 +58,9 @@ void mirel_string::format(const char* pattern, Number number) {
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
   const int count = ossSnprintf(m_buffer, kNumberSize, pattern, number);
 #pragma GCC diagnostic pop
+  if (count < 0) {
+    memoryRanOut = true;  // what else could stop a number
+  }
   m_length = count > 0 ? static_cast<unsigned long>(count) : 0;
   m_capacity = m_length + kTail;
 }
@@ -155,7 +158,7 @@ mirel_string mirel_string::substr(unsigned long position, unsigned long length) 
 }
 
 unsigned long mirel_string::find(const mirel_string& needle, unsigned long from) const {
-  if (from >= m_length) {
+  if (m_buffer == nullptr || from >= m_length) {
     return npos;
   }
   const char* hit = strcasestr(m_buffer + from, needle.c_str());

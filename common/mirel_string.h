@@ -34,7 +34,7 @@ class mirel_string {
   mirel_string& operator=(const mirel_string& other);
   mirel_string& operator=(mirel_string&& other) noexcept;
 
-  const char* c_str() const { return m_capacity == 0 ? &s_terminator : m_buffer; }
+  const char* c_str() const { return m_capacity == 0 || m_buffer == nullptr ? &s_terminator : m_buffer; }
   unsigned long length() const { return m_length; }
 
   /// The character at `index`; at or past the end the last character, of an empty text its terminator.

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iostream>
 #include <limits>
+#include <memory>
 
 #include "db/mirel_db_resultset.h"
 #include "json/mirel_json_value.h"
@@ -12,9 +13,11 @@ namespace {
 
 constexpr std::uintptr_t kBypassQueryPatroller = 3;
 
-bool succeeded(SQLRETURN code) {
-  return code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO;
-}
+/// Releases the statement of a query, however the query ends.
+struct StatementEnd {
+  DBConnection* connection;
+  ~StatementEnd() { connection->freeStmt(); }
+};
 
 }  // namespace
 
@@ -24,12 +27,12 @@ DBConnection::~DBConnection() {
 
 SQLRETURN DBConnection::connect(const mirel_string& database) {
   SQLRETURN code = SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &m_env);
-  if (!succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     extract_error("Alloc m_env", m_env, SQL_HANDLE_ENV);
     return code;
   }
   code = SQLAllocHandle(SQL_HANDLE_DBC, m_env, &m_dbc);
-  if (!succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     extract_error("Alloc m_dbc", m_dbc, SQL_HANDLE_DBC);
     SQLFreeHandle(SQL_HANDLE_ENV, m_env);
     m_env = SQL_NULL_HANDLE;
@@ -38,13 +41,13 @@ SQLRETURN DBConnection::connect(const mirel_string& database) {
   // The value travels in the pointer itself, as the length argument says.
   code = SQLSetConnectAttr(m_dbc, SQL_ATTR_QUERY_PATROLLER_BYPASS,
                            reinterpret_cast<void*>(kBypassQueryPatroller), SQL_IS_UINTEGER);
-  if (!succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     extract_error("Set SQL_ATTR_QUERY_PATROLLER_BYPASS", m_dbc, SQL_HANDLE_DBC);
     freeHandles();
     return code;
   }
   code = SQLConnect(m_dbc, database.c_str(), SQL_NTS, "", SQL_NTS, "", SQL_NTS);
-  if (!succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     extract_error("Connect", m_dbc, SQL_HANDLE_DBC);
     freeHandles();
     return code;
@@ -76,44 +79,40 @@ bool DBConnection::disconnect() {
 }
 
 ArrayValue* DBConnection::query(const mirel_string& sql) {
-  auto* rows = new ArrayValue;
+  auto rows = std::make_unique<ArrayValue>();
   if (!open(sql)) {
-    return rows;
+    return rows.release();
   }
+  const StatementEnd end{this};
   ResultSet result(m_stmt);
   result.getCols();
-  ObjectValue* row = result.fetch();
+  std::unique_ptr<ObjectValue> row(result.fetch());
   // Only the first row may be without members; later ones count even when every column was skipped.
   if (!row->empty()) {
     do {
-      rows->push_back(row);
-      row = result.fetch();
+      rows->push_back(row.release());
+      row.reset(result.fetch());
     } while (!result.done());
   }
-  delete row;
-  freeStmt();
-  return rows;
+  return rows.release();
 }
 
 ObjectValue* DBConnection::queryOne(const mirel_string& sql) {
   if (!open(sql)) {
     return new ObjectValue("");
   }
+  const StatementEnd end{this};
   ResultSet result(m_stmt);
   result.getCols();
-  ObjectValue* row = result.fetch();
-  freeStmt();
-  return row;
+  return result.fetch();
 }
 
 Value* DBConnection::queryValue(const mirel_string& sql, const mirel_string& column) {
   if (!m_connected) {
     return new PrimitiveValue("null");
   }
-  ObjectValue* row = queryOne(sql);
-  Value* value = row->release(column.upper());
-  delete row;
-  return value;
+  const std::unique_ptr<ObjectValue> row(queryOne(sql));
+  return row->release(column.upper());
 }
 
 bool DBConnection::exec(const mirel_string& statement) {
@@ -133,12 +132,12 @@ unsigned long DBConnection::NumTables() {
 }
 
 unsigned long DBConnection::countTables() {
-  if (!succeeded(SQLTables(m_stmt, nullptr, 0, nullptr, 0, nullptr, 0, "TABLE", SQL_NTS))) {
+  if (!sqlSucceeded(SQLTables(m_stmt, nullptr, 0, nullptr, 0, nullptr, 0, "TABLE", SQL_NTS))) {
     extract_error("SQLTables", m_stmt, SQL_HANDLE_STMT);
     return 0;
   }
   unsigned long count = 0;
-  while (succeeded(SQLFetch(m_stmt))) {
+  while (sqlSucceeded(SQLFetch(m_stmt))) {
     ++count;
   }
   return count;
@@ -156,7 +155,7 @@ bool DBConnection::open(const mirel_string& sql) {
 }
 
 bool DBConnection::allocateStatement() {
-  if (succeeded(SQLAllocHandle(SQL_HANDLE_STMT, m_dbc, &m_stmt))) {
+  if (sqlSucceeded(SQLAllocHandle(SQL_HANDLE_STMT, m_dbc, &m_stmt))) {
     return true;
   }
   extract_error("alloc stmt", m_stmt, SQL_HANDLE_STMT);
@@ -164,7 +163,7 @@ bool DBConnection::allocateStatement() {
 }
 
 bool DBConnection::execute(const mirel_string& statement) {
-  if (succeeded(SQLExecDirect(m_stmt, statement.c_str(), SQL_NTS))) {
+  if (sqlSucceeded(SQLExecDirect(m_stmt, statement.c_str(), SQL_NTS))) {
     return true;
   }
   extract_error("Exec Direct", m_stmt, SQL_HANDLE_STMT);
@@ -181,7 +180,7 @@ void extract_error(const char* step, SQLHANDLE handle, short handleType) {
     int nativeError = 0;
     short length = 0;
     code = SQLGetDiagRec(handleType, handle, record, state, &nativeError, message, sizeof message, &length);
-    if (succeeded(code)) {
+    if (sqlSucceeded(code)) {
       std::cerr << mirel_string(message, sizeof message) << std::endl;
     }
   }

@@ -9,10 +9,6 @@ namespace {
 
 constexpr unsigned long kBufferSize = 128;
 
-bool succeeded(SQLRETURN code) {
-  return code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO;
-}
-
 /// The length of a buffer's text up to its first blank.
 unsigned long firstWord(const char* buffer) {
   const unsigned long length = strnlen(buffer, kBufferSize);
@@ -22,7 +18,8 @@ unsigned long firstWord(const char* buffer) {
 
 }  // namespace
 
-ResultSet::ResultSet(SQLHANDLE statement) : m_stmt(statement) {}
+ResultSet::ResultSet(SQLHANDLE statement)
+    : m_stmt(statement), m_columns(std::make_shared<const RowColumns>(std::vector<mirel_string>())) {}
 
 void ResultSet::getCols() {
   std::vector<mirel_string> names;
@@ -43,7 +40,7 @@ void ResultSet::getCols() {
 }
 
 ObjectValue* ResultSet::fetch() {
-  if (!succeeded(SQLFetch(m_stmt))) {
+  if (!sqlSucceeded(SQLFetch(m_stmt))) {
     m_done = true;
     return new ObjectValue("");
   }
@@ -62,7 +59,7 @@ bool ResultSet::readColumn(unsigned short column) {
   char buffer[kBufferSize];
   buffer[0] = '\0';
   long indicator = 0;
-  if (!succeeded(SQLGetData(m_stmt, column, SQL_C_CHAR, buffer, kBufferSize, &indicator))) {
+  if (!sqlSucceeded(SQLGetData(m_stmt, column, SQL_C_CHAR, buffer, kBufferSize, &indicator))) {
     return false;
   }
   // Drivers differ in the width of the indicator; its low 32 bits are what counts.

@@ -5,14 +5,12 @@
 #include "generator/mirel_generator_template.h"
 #include "http/mirel_http_client.h"
 #include "platform/services.h"
-#include "platform/sockets.h"
 
 namespace {
 
 constexpr char kRule[] = "------------------------------";
 
 mirel_string download(const mirel_string& host, unsigned long port) {
-  sqloPdbCommFncInit();
   HttpClient client(host, port);
   std::cout << "Downloading tarnconfig.json from " << host << "..." << std::endl;
   mirel_string text = client.get("/config");
@@ -27,7 +25,6 @@ void upload(const mirel_string& result, const mirel_string& host, unsigned long 
   std::cout << "Sent result to " << host << "." << std::endl;
   std::cout << "Response" << std::endl << kRule << std::endl;
   std::cout << response << std::endl << kRule << std::endl;
-  sqloPdbCommFncTerm();
 }
 
 void save(const mirel_string& result, const mirel_string& outfile) {

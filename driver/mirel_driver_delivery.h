@@ -1,5 +1,6 @@
 #pragma once
-/// Where the template comes from and where the result goes.
+/// Where the template comes from and where the result goes. With `send` there must be a `SocketLayer` around
+/// both.
 
 #include "common/mirel_string.h"
 

@@ -1,8 +1,16 @@
 #include "driver/mirel_driver_run.h"
 
+#include <iostream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "common/mirel_common_memory.h"
 #include "driver/mirel_driver_delivery.h"
 #include "driver/mirel_driver_options.h"
 #include "generator/mirel_generator_walk.h"
+#include "http/mirel_http_socket.h"
 #include "json/mirel_json_parser.h"
 #include "platform/progress.h"
 #include "platform/services.h"
@@ -13,30 +21,49 @@ void setCustomer(CustomerCollector* customer, const RunSettings& from) {
   customer->setCustomerInfo(from.name, from.company, from.email, from.country, from.address, from.telephone);
 }
 
-/// From the template to the delivered result.
+/// From the template to the delivered result. When memory runs out on the way, nothing is delivered.
 void collect(const RunSettings& settings, CustomerCollector* customer, JsonParser* parser,
              Generator* generator) {
   setCustomer(customer, settings);
-  Value* root = parser->parse(readConfig(settings.send, settings.host, settings.port));
+  std::unique_ptr<Value> root;
+  std::optional<SocketLayer> sockets;
+  if (settings.send) {
+    sockets.emplace();
+  }
+  mirel_string config = readConfig(settings.send, settings.host, settings.port);
+  if (memoryRanOut) {
+    return;
+  }
+  root.reset(parser->parse(std::move(config)));
   generator->set(settings.database, customer);
   root->accept(*generator);
   progressHide();
   const mirel_string result = root->stringify(0);
-  writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
-  delete root;
+  if (!memoryRanOut) {
+    writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
+  }
 }
 
 }  // namespace
 
 int run(int argc, char** argv) {
+  memoryRanOut = false;
   ossOneTimeOnly();
   CustomerCollector customer;
   JsonParser parser;
   Generator generator;
   RunSettings settings;
-  const bool anyOption = parseOptions(argc, argv, &settings);
-  if (anyOption && settings.support) {
-    collect(settings, &customer, &parser, &generator);
+  try {
+    const bool anyOption = parseOptions(argc, argv, &settings);
+    if (anyOption && settings.support) {
+      collect(settings, &customer, &parser, &generator);
+    }
+  } catch (const std::bad_alloc&) {
+    memoryRanOut = true;
+  }
+  if (memoryRanOut) {
+    progressHide();
+    std::cerr << "out of memory" << std::endl;
   }
   ossTerminate();
   return 0;

@@ -2,4 +2,6 @@
 
 /// One whole run of the collector, from the command line to the delivered result. Returns the exit status,
 /// 0 however the run went; only a template with a syntax error ends the process from within, with 255.
+///
+/// When memory runs out, "out of memory" on standard error stands in place of the result.
 int run(int argc, char** argv);

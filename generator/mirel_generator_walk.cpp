@@ -1,5 +1,6 @@
 #include "generator/mirel_generator_walk.h"
 
+#include <memory>
 #include <utility>
 
 #include "platform/progress.h"
@@ -16,8 +17,7 @@ mirel_string withoutBrackets(const mirel_string& word) {
 void Generator::set(const mirel_string& database, CustomerCollector* customer) {
   if (database.length() > 1) {
     progressShow("connecting");
-    const SQLRETURN code = m_connection.connect(database);
-    if (code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO) {
+    if (sqlSucceeded(m_connection.connect(database))) {
       m_databaseName = database;
     }
   }
@@ -63,14 +63,14 @@ void Generator::visit(KeyValuePair* pair) {
 }
 
 void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
-  auto* copies = new ArrayValue;
+  auto copies = std::make_unique<ArrayValue>();
   if (variable == "db" && m_databaseName.length() > 0) {
     copies->push_back(runForDatabase(pair));
   } else if (variable == "table") {
     copies->push_back(cloneAndRun(pair));
   }
   pair->setKey(std::move(outputKey));
-  pair->setValue(copies);
+  pair->setValue(copies.release());
 }
 
 /// The directory entry lives as long as the evaluation that asks about it.
@@ -87,9 +87,9 @@ Value* Generator::runForDatabase(const KeyValuePair* pair) {
 
 Value* Generator::cloneAndRun(const KeyValuePair* pair) {
   const Value* value = pair->getValue();
-  Value* copy = value == nullptr ? nullptr : value->clone();
-  if (copy != nullptr) {
+  std::unique_ptr<Value> copy(value == nullptr ? nullptr : value->clone());
+  if (copy) {
     copy->accept(*this);
   }
-  return copy;
+  return copy.release();
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/mirel_common_builder.h"
+#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -47,7 +48,8 @@ mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body
 }
 
 mirel_string HttpClient::exchange(const mirel_string& request) {
-  if (!m_socket.open(m_host, m_port)) {
+  // A request that lost a part of itself is none.
+  if (memoryRanOut || !m_socket.open(m_host, m_port)) {
     return "";
   }
   // Also when the request did not go out whole: the server may have said why.

@@ -41,7 +41,10 @@ bool Socket::send(const mirel_string& data) {
   while (offset < data.length()) {
     const unsigned long chunk = std::min(kChunk, data.length() - offset);
     unsigned int sent = 0;
-    if (sqloPdbSendBuffer(m_socket, data.c_str() + offset, static_cast<unsigned int>(chunk), &sent) != 0) {
+    const unsigned int code =
+        sqloPdbSendBuffer(m_socket, data.c_str() + offset, static_cast<unsigned int>(chunk), &sent);
+    // A success that takes nothing would be repeated for ever.
+    if (code != 0 || sent == 0) {
       std::cout << "failed to send: " << mirel_string(data.c_str() + offset, chunk) << std::endl;
       return false;
     }

@@ -39,7 +39,7 @@ Value* JsonParser::parse(mirel_string text) {
   m_column = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
 
-  Value* root = nullptr;
+  std::unique_ptr<Value> root;
   if (nextTokenIs(openBrace)) {
     parseObject(&root);
   } else if (nextTokenIs(openBracket)) {
@@ -47,12 +47,12 @@ Value* JsonParser::parse(mirel_string text) {
   } else {
     fail({openBrace, openBracket});
   }
-  return root;
+  return root.release();
 }
 
-bool JsonParser::parseObject(Value** out) {
+bool JsonParser::parseObject(std::unique_ptr<Value>* out) {
   auto* object = new ObjectValue("");
-  *out = object;
+  out->reset(object);
   open(openBrace);
   if (nextTokenIs(closeBrace)) {
     --m_depth;
@@ -60,16 +60,16 @@ bool JsonParser::parseObject(Value** out) {
   }
   bool more = true;
   do {
-    KeyValuePair* pair = nullptr;
+    std::unique_ptr<KeyValuePair> pair;
     more = parsePair(&pair);
-    object->addValue(pair);
+    object->addValue(pair.release());
   } while (more && nextTokenIs(comma) && consume());
   return close(closeBrace);
 }
 
-bool JsonParser::parseArray(Value** out) {
+bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
   auto* array = new ArrayValue;
-  *out = array;
+  out->reset(array);
   open(openBracket);
   if (nextTokenIs(closeBracket)) {
     --m_depth;
@@ -77,24 +77,24 @@ bool JsonParser::parseArray(Value** out) {
   }
   bool more = true;
   do {
-    Value* element = nullptr;
+    std::unique_ptr<Value> element;
     more = parseValue(&element);
-    array->push_back(element);
+    array->push_back(element.release());
   } while (more && nextTokenIs(comma) && consume());
   return close(closeBracket);
 }
 
-bool JsonParser::parsePair(KeyValuePair** out) {
+bool JsonParser::parsePair(std::unique_ptr<KeyValuePair>* out) {
   expect(string);
   mirel_string key = m_token.text();
   expect(colon);
-  Value* value = nullptr;
+  std::unique_ptr<Value> value;
   const bool more = parseValue(&value);
-  *out = new KeyValuePair(std::move(key), value);
+  out->reset(new KeyValuePair(std::move(key), value.release()));
   return more;
 }
 
-bool JsonParser::parseValue(Value** out) {
+bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
   if (nextTokenIs(openBrace)) {
     return parseObject(out);
   }
@@ -105,7 +105,7 @@ bool JsonParser::parseValue(Value** out) {
     fail({openBrace, openBracket, string});
   }
   consume();
-  *out = new PrimitiveValue(m_token.text());
+  *out = std::make_unique<PrimitiveValue>(m_token.text());
   return true;
 }
 
@@ -201,11 +201,11 @@ bool JsonParser::recogniseString() {
   return true;
 }
 
-void JsonParser::fail(const std::vector<JsonTokenType>& expected) const {
+void JsonParser::fail(std::initializer_list<JsonTokenType> expected) const {
   printParseError(expected, m_token.type, m_token.text(), m_line, m_column);
 }
 
-void JsonParser::printParseError(const std::vector<JsonTokenType>& expected, JsonTokenType actual,
+void JsonParser::printParseError(std::initializer_list<JsonTokenType> expected, JsonTokenType actual,
                                  const mirel_string& actualText, unsigned long line, unsigned long column) {
   std::cout << "Expecting one of: (";
   const char* separator = "";

@@ -11,12 +11,13 @@
 /// - The closing bracket of an *empty* container is left for the container around it, which takes it as its
 ///   own. An empty container is therefore read as written only at the very end of the document.
 /// - A character that begins no token leaves the token read before in place, and error lines show that one.
-/// - The end of the input reads as its last character again. A quote there reads as an empty string.
+/// - Nothing is read at the end of the input, except that a quote standing last reads as an empty string.
 /// - Escapes are undone as `reverseEscape` does (json/mirel_json_writer.h).
 ///
 /// Containers may be nested 1,000 deep. Cost: linear in the text.
 
-#include <vector>
+#include <initializer_list>
+#include <memory>
 
 #include "common/mirel_string.h"
 
@@ -46,12 +47,11 @@ class JsonParser {
   Value* parse(mirel_string text);
 
  private:
-  // The grammar, one member a rule. `*out` is set before anything below it is read. False ends the loop of
-  // the rule around it without a message.
-  bool parseObject(Value** out);
-  bool parseArray(Value** out);
-  bool parsePair(KeyValuePair** out);
-  bool parseValue(Value** out);
+  // The grammar, one member a rule. False ends the loop of the rule around it without a message.
+  bool parseObject(std::unique_ptr<Value>* out);
+  bool parseArray(std::unique_ptr<Value>* out);
+  bool parsePair(std::unique_ptr<KeyValuePair>* out);
+  bool parseValue(std::unique_ptr<Value>* out);
 
   /// Consumes the opening bracket of a container, unless it is nested too deep.
   void open(JsonTokenType bracket);
@@ -68,10 +68,10 @@ class JsonParser {
   bool recogniseString();
   bool atEnd() const { return m_position >= m_input.length(); }
 
-  [[noreturn]] void fail(const std::vector<JsonTokenType>& expected) const;
-  [[noreturn]] static void printParseError(const std::vector<JsonTokenType>& expected, JsonTokenType actual,
-                                           const mirel_string& actualText, unsigned long line,
-                                           unsigned long column);
+  [[noreturn]] void fail(std::initializer_list<JsonTokenType> expected) const;
+  [[noreturn]] static void printParseError(std::initializer_list<JsonTokenType> expected,
+                                           JsonTokenType actual, const mirel_string& actualText,
+                                           unsigned long line, unsigned long column);
 
   Token m_token;
   mirel_string m_formerText;     ///< of the token that an earlier input left

@@ -31,7 +31,8 @@ void PrimitiveValue::accept(JsonVisitor& visitor) {
   visitor.visit(this);
 }
 
-ArrayValue::ArrayValue(const ArrayValue& other) : Value(other) {
+// The copy counts as made before its elements are: should memory run out among them, it is destroyed whole.
+ArrayValue::ArrayValue(const ArrayValue& other) : ArrayValue() {
   m_elements.reserve(other.m_elements.size());
   for (const Value* element : other.m_elements) {
     push_back(cloneOf(element));
@@ -45,7 +46,9 @@ ArrayValue::~ArrayValue() {
 }
 
 void ArrayValue::push_back(const Value* element) {
+  std::unique_ptr<const Value> owned(element);
   m_elements.push_back(element);
+  static_cast<void>(owned.release());
 }
 
 ArrayValue* ArrayValue::clone() const {
@@ -91,8 +94,9 @@ ObjectValue::ObjectValue(mirel_string name) : m_name(std::move(name)) {}
 
 ObjectValue::ObjectValue(Row row) : m_name(""), m_row(new Row(std::move(row))) {}
 
-ObjectValue::ObjectValue(const ObjectValue& other)
-    : Value(other), m_name(other.m_name), m_row(other.m_row ? new Row(*other.m_row) : nullptr) {
+// As with arrays, the members come into a whole object.
+ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue(other.m_name) {
+  m_row.reset(other.m_row ? new Row(*other.m_row) : nullptr);
   m_members.reserve(other.m_members.size());
   for (const KeyValuePair* member : other.m_members) {
     addValue(new KeyValuePair(member->getKey(), cloneOf(member->getValue())));
@@ -115,12 +119,15 @@ bool ObjectValue::empty() const {
 }
 
 void ObjectValue::addValue(KeyValuePair* member) {
+  std::unique_ptr<KeyValuePair> owned(member);
   unpack();
   m_members.push_back(member);
+  static_cast<void>(owned.release());
 }
 
 void ObjectValue::addObject(ObjectValue* object) {
-  addValue(new KeyValuePair(object->getName(), object));
+  std::unique_ptr<ObjectValue> owned(object);
+  addValue(new KeyValuePair(object->getName(), owned.release()));
 }
 
 KeyValuePair* ObjectValue::memberOf(const mirel_string& key) const {
@@ -152,6 +159,7 @@ void ObjectValue::unpack() const {
   if (!row) {
     return;
   }
+  m_members.reserve(row->columns().names().size());
   row->forEach([&](unsigned long column, const char* value, unsigned long length) {
     m_members.push_back(new KeyValuePair(row->columns().names()[column], mirel_string(value, length)));
   });

@@ -15,6 +15,11 @@ inline constexpr SQLRETURN SQL_NO_DATA = 100;
 inline constexpr SQLRETURN SQL_ERROR = -1;
 inline constexpr SQLRETURN SQL_INVALID_HANDLE = -2;
 
+/// Whether a call of the interface did its work.
+inline bool sqlSucceeded(SQLRETURN code) {
+  return code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO;
+}
+
 inline constexpr short SQL_HANDLE_ENV = 1;
 inline constexpr short SQL_HANDLE_DBC = 2;
 inline constexpr short SQL_HANDLE_STMT = 3;

@@ -16,8 +16,8 @@
 namespace {
 
 constexpr const char* PRODUCT = "kato";
-constexpr unsigned long PATH_SIZE = 256;  // of the callers' buffers for database paths
-constexpr unsigned int OPEN_READ = 52;
+constexpr unsigned long kPathSize = 256;  // of the callers' buffers for database paths
+constexpr unsigned int kOpenRead = 52;
 
 /// Copies a text that fits with its terminator; otherwise the buffer holds the empty text.
 int deliver(std::string_view text, char* buffer, unsigned long size) {
@@ -96,7 +96,7 @@ int sqloGetInstanceOwnerName(char* buffer, unsigned long size) {
 int sqlfGetGDBPath(const char* database, char* buffer, int) {
   const std::string path = installPath();
   const bool known = !path.empty() && isDatabaseName(database);
-  const int code = deliver(known ? path + "/databases/" + database + "/" : "", buffer, PATH_SIZE);
+  const int code = deliver(known ? path + "/databases/" + database + "/" : "", buffer, kPathSize);
   return known ? code : ENOENT;
 }
 
@@ -105,13 +105,13 @@ int sqlfGetMemberDBPathFromGDBPath(const char* globalPath, char* buffer, short m
   const bool known = !path.empty() && member >= 0;
   char share[16];
   std::snprintf(share, sizeof share, "member%04d/", member);
-  const int code = deliver(known ? path + (path.ends_with('/') ? "" : "/") + share : "", buffer, PATH_SIZE);
+  const int code = deliver(known ? path + (path.ends_with('/') ? "" : "/") + share : "", buffer, kPathSize);
   return known ? code : EINVAL;
 }
 
 int sqloopenp(const char* path, unsigned int flags, unsigned int, int* handle, unsigned int, unsigned int) {
   *handle = -1;
-  return flags == OPEN_READ ? static_cast<int>(host::openForReading(path, handle)) : EINVAL;
+  return flags == kOpenRead ? static_cast<int>(host::openForReading(path, handle)) : EINVAL;
 }
 
 int sqloread(int handle, unsigned long count, void* buffer, unsigned long* received) {

@@ -55,7 +55,7 @@ SQLRETURN report(short type, host::OdbcHandle native, short number, const Record
   const SQLRETURN code =
       host::odbc().getDiagRec(type, native, number, host::odbcText(record.state), record.nativeError,
                               host::odbcText(record.message), static_cast<short>(record.size), record.length);
-  if (!host::succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     return code;
   }
   makeOneLine(record.message, record.size, *record.length);

@@ -10,17 +10,17 @@
 
 namespace {
 
-constexpr unsigned int ACCESS_READ = 1;
-constexpr unsigned int ACCESS_WRITE = 2;
+constexpr unsigned int kAccessRead = 1;
+constexpr unsigned int kAccessWrite = 2;
 
 /// More than any kernel file that makes sense to read as text; /proc/self/pagemap would go on for gigabytes.
-constexpr unsigned long MAX_UNSIZED = 64UL << 20;
+constexpr unsigned long kMaxUnsized = 64UL << 20;
 
 /// The size of a file that reports none, found by reading. pread(2) leaves the reading position alone.
 unsigned int measure(int descriptor, unsigned long* bytes) {
   std::array<char, 65536> block;
   *bytes = 0;
-  while (*bytes <= MAX_UNSIZED) {
+  while (*bytes <= kMaxUnsized) {
     const ssize_t part = pread(descriptor, block.data(), block.size(), static_cast<off_t>(*bytes));
     if (part == 0) {
       return 0;
@@ -46,9 +46,9 @@ unsigned int OSSHFile::open(const OSSFileOpenParam* parameters) {
   close();
   int descriptor = -1;
   unsigned int code = EINVAL;
-  if (parameters->access == ACCESS_READ) {
+  if (parameters->access == kAccessRead) {
     code = host::openForReading(parameters->path, &descriptor);
-  } else if (parameters->access == ACCESS_WRITE) {
+  } else if (parameters->access == kAccessWrite) {
     code = host::openForWriting(parameters->path, parameters->permissions, &descriptor);
   }
   m_handle = descriptor;

@@ -9,7 +9,7 @@ namespace host {
 namespace {
 
 /// /proc/cpuinfo, the largest of them, has about 2 KB for each of some thousand processors.
-constexpr unsigned long MAX_TEXT = 64UL << 20;
+constexpr unsigned long kMaxText = 64UL << 20;
 
 }  // namespace
 
@@ -36,9 +36,9 @@ std::optional<std::string> readText(const Machine& machine, const std::string& p
   do {
     code = readFully(file, block.data(), block.size(), &received);
     text.append(block.data(), received);
-  } while (code == 0 && received == block.size() && text.size() <= MAX_TEXT);
+  } while (code == 0 && received == block.size() && text.size() <= kMaxText);
   closeDescriptor(file);
-  return code == 0 && text.size() <= MAX_TEXT ? std::optional(text) : std::nullopt;
+  return code == 0 && text.size() <= kMaxText ? std::optional(text) : std::nullopt;
 }
 
 }  // namespace host

@@ -13,7 +13,7 @@ namespace host {
 
 namespace {
 
-const std::string PROCESSORS = "/sys/devices/system/cpu";
+constexpr char kProcessors[] = "/sys/devices/system/cpu";
 
 std::optional<long> processorNumber(std::string_view directory) {
   return directory.starts_with("cpu") ? parseNumber(directory.substr(3)) : std::nullopt;
@@ -23,7 +23,7 @@ std::optional<long> processorNumber(std::string_view directory) {
 std::vector<std::string> processorDirectories(const Machine& machine) {
   std::set<long> numbers;
   std::error_code error;
-  std::filesystem::directory_iterator entry(machine.root + PROCESSORS, error);
+  std::filesystem::directory_iterator entry(machine.root + kProcessors, error);
   for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
     if (const auto number = processorNumber(entry->path().filename().native())) {
       numbers.insert(*number);
@@ -32,7 +32,7 @@ std::vector<std::string> processorDirectories(const Machine& machine) {
   std::vector<std::string> directories;
   directories.reserve(numbers.size());
   for (const long number : numbers) {
-    directories.push_back(PROCESSORS + "/cpu" + std::to_string(number));
+    directories.push_back(std::string(kProcessors) + "/cpu" + std::to_string(number));
   }
   return directories;
 }
@@ -46,7 +46,7 @@ std::optional<ProcessorSet> readProcessors(const Machine& machine, const std::st
 }
 
 std::optional<long> countListed(const Machine& machine, const std::string& list) {
-  const std::optional<ProcessorSet> set = readProcessors(machine, PROCESSORS + "/" + list);
+  const std::optional<ProcessorSet> set = readProcessors(machine, std::string(kProcessors) + "/" + list);
   return set ? std::optional(set->count) : std::nullopt;
 }
 
@@ -98,7 +98,7 @@ std::optional<long> topSpeed(const Machine& machine, const std::vector<std::stri
   return std::nullopt;
 }
 
-/// The key depends on the architecture: x86, POWER, IBM Z.
+/// The key depends on the architecture: x86, ppc64, s390.
 std::optional<long> currentSpeed(std::string_view cpuinfo) {
   for (const char* key : {"cpu MHz", "clock", "cpu MHz dynamic"}) {
     if (const auto speed = parseMegahertz(field(cpuinfo, key).value_or(""))) {

@@ -12,7 +12,6 @@
 #include <condition_variable>
 #include <mutex>
 #include <string>
-#include <thread>
 
 #include "platform/progress.h"
 
@@ -22,14 +21,17 @@ using Clock = std::chrono::steady_clock;
 
 class ProgressLine {
  public:
-  ProgressLine() : m_thread([this] { redraw(); }) {}
+  /// Without a thread, as where no more are allowed, nothing is ever shown.
+  ProgressLine() { m_started = pthread_create(&m_thread, nullptr, &ProgressLine::run, this) == 0; }
   ~ProgressLine() {
     {
       const std::lock_guard lock(m_mutex);
       m_ended = true;
     }
     m_changed.notify_one();
-    m_thread.join();
+    if (m_started) {
+      pthread_join(m_thread, nullptr);
+    }
   }
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
@@ -49,6 +51,10 @@ class ProgressLine {
   }
 
  private:
+  static void* run(void* line) {
+    static_cast<ProgressLine*>(line)->redraw();
+    return nullptr;
+  }
   void redraw();
   void draw();
   void erase();
@@ -61,7 +67,8 @@ class ProgressLine {
   const Clock::time_point m_start = Clock::now();
   bool m_drawn = false;
   bool m_ended = false;
-  std::thread m_thread;  // last: it uses all of the above
+  bool m_started = false;
+  pthread_t m_thread{};
 };
 
 void write(const std::string& text) {

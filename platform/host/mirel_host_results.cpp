@@ -59,7 +59,7 @@ SQLRETURN SQLDescribeCol(SQLHANDLE handle, unsigned short column, char* name, sh
   }
   const SQLRETURN code = odbc().describeCol(statement->native, column, host::odbcText(name), nameSize,
                                             nameLength, dataType, columnSize, decimalDigits, nullable);
-  if (size == 0 || !host::succeeded(code)) {
+  if (size == 0 || !sqlSucceeded(code)) {
     return code;
   }
   name[size - 1] = '\0';
@@ -86,6 +86,7 @@ SQLRETURN SQLGetData(SQLHANDLE handle, unsigned short column, short targetType, 
   }
   *indicator = 0;
   const SQLRETURN code = odbc().getData(statement->native, column, targetType, target, targetSize, indicator);
-  return isText && host::succeeded(code) ? finishText(code, static_cast<char*>(target), targetSize, indicator)
-                                         : code;
+  return isText && sqlSucceeded(code)
+             ? finishText(code, static_cast<char*>(target), targetSize, indicator)
+             : code;
 }

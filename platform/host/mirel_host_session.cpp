@@ -52,7 +52,7 @@ SQLRETURN allocateBelow(SQLHANDLE parentHandle, SQLHANDLE* output) {
     return refuse(Record::kType, kOutOfMemory);
   }
   const SQLRETURN code = odbc().allocHandle(Record::kType, parent->native, &record->native);
-  if (!succeeded(code)) {
+  if (!sqlSucceeded(code)) {
     failure.parent = parentHandle;
     return code;
   }
@@ -97,7 +97,7 @@ void freeStatements(const Connection& connection) {
 void prepareSession(const Connection& connection) {
   const char* start = connection.engine.dialect->sessionStart;
   OdbcHandle statement = nullptr;
-  if (start != nullptr && succeeded(odbc().allocHandle(SQL_HANDLE_STMT, connection.native, &statement))) {
+  if (start != nullptr && sqlSucceeded(odbc().allocHandle(SQL_HANDLE_STMT, connection.native, &statement))) {
     odbc().execDirect(statement, odbcText(start), SQL_NTS);
     odbc().freeHandle(SQL_HANDLE_STMT, statement);
   }
@@ -132,7 +132,7 @@ SQLRETURN allocateEnvironment(SQLHANDLE* output) {
 
 SQLRETURN allocateConnection(SQLHANDLE environment, SQLHANDLE* output) {
   const SQLRETURN code = allocateBelow<Connection, Environment>(environment, output);
-  if (succeeded(code)) {
+  if (sqlSucceeded(code)) {
     ++table.find<Environment>(environment)->connections;
   }
   return code;
@@ -196,7 +196,7 @@ SQLRETURN openSession(Connection* connection, const char* dataSource, short data
   }
   const SQLRETURN code = odbc().connect(connection->native, odbcText(dataSource), dataSourceLength,
                                         odbcText(user), userLength, odbcText(password), passwordLength);
-  if (succeeded(code)) {
+  if (sqlSucceeded(code)) {
     connection->connected = ++connectionsOpened;
     connection->engine = describeEngine(connection->native);
     prepareSession(*connection);
@@ -207,7 +207,7 @@ SQLRETURN openSession(Connection* connection, const char* dataSource, short data
 SQLRETURN closeSession(Connection* connection) {
   freeStatements(*connection);
   const SQLRETURN code = odbc().disconnect(connection->native);
-  if (succeeded(code)) {
+  if (sqlSucceeded(code)) {
     connection->connected = 0;
   }
   return code;

@@ -56,10 +56,6 @@ struct Statement {
 
 inline constexpr Complaint kOutOfMemory{"HY001", "Out of memory"};
 
-inline bool succeeded(SQLRETURN code) {
-  return code == SQL_SUCCESS || code == SQL_SUCCESS_WITH_INFO;
-}
-
 /// All handles of the process.
 HandleTable& handles();
 

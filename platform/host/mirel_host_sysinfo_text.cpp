@@ -8,14 +8,14 @@ namespace host {
 
 namespace {
 
-constexpr std::string_view WHITE_SPACE = " \t\r\n\f\v";
+constexpr std::string_view kWhiteSpace = " \t\r\n\f\v";
 
 /// Far above what any kernel is built for; a higher processor number is nonsense.
-constexpr long MAX_PROCESSORS = 1L << 20;
+constexpr long kMaxProcessors = 1L << 20;
 
 std::string_view trimmed(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(WHITE_SPACE), text.size()));
-  text.remove_suffix(text.size() - (text.find_last_not_of(WHITE_SPACE) + 1));
+  text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
+  text.remove_suffix(text.size() - (text.find_last_not_of(kWhiteSpace) + 1));
   return text;
 }
 
@@ -29,7 +29,7 @@ std::string_view cut(std::string_view& rest, char separator) {
 /// Cuts the first word off the front of `rest`; empty when there is none.
 std::string_view cutWord(std::string_view& rest) {
   rest = trimmed(rest);
-  const std::string_view word = rest.substr(0, rest.find_first_of(WHITE_SPACE));
+  const std::string_view word = rest.substr(0, rest.find_first_of(kWhiteSpace));
   rest.remove_prefix(word.size());
   return word;
 }
@@ -77,7 +77,7 @@ std::optional<ProcessorSet> parseProcessors(std::string_view text) {
     const bool single = range.find('-') == std::string_view::npos;
     const std::optional<long> first = parseNumber(cut(range, '-'));
     const std::optional<long> last = single ? first : parseNumber(range);
-    if (!first || !last || *first < lowest || *last < *first || *last >= MAX_PROCESSORS) {
+    if (!first || !last || *first < lowest || *last < *first || *last >= kMaxProcessors) {
       return std::nullopt;
     }
     if (set.count == 0) {

@@ -9,6 +9,7 @@
 
 #include "platform/admin.h"
 #include "platform/sqlcli.h"
+#include "tests/cases.h"
 
 namespace {
 
@@ -101,71 +102,15 @@ class Sqlcli : public testing::Test {
 
 TEST_F(Sqlcli, ValuesAndNamesArriveAsTheProductGivesThem) {
   ASSERT_EQ(SQL_SUCCESS, connect("GOOD"));
-  const std::string x126(126, 'x');
   EXPECT_EQ("", query("create table t(Id integer, \"quoted\" char(6))"));
   EXPECT_EQ("", query("insert into t values (1, 'ab    '), (2, null)"));
-  const struct {
-    std::string sql, expected;
-  } rows[] = {
-      {"select * from t order by id", "ID=1 QUOTED=ab    \nID=2 QUOTED=NULL"},
-      {"select \"quoted\", id as \"Id\", id as b from t where Id=1", "quoted=ab     Id=1 B=1"},
-      {"select 1 as a, -9223372036854775808 as b, 1.50 as c, '' as d, null as e, x'00ff' as f, true as g",
-       "A=1 B=-9223372036854775808 C=1.5 D= E=NULL F=X'00FF' G=1"},
-      {"select date('2024-02-29') as d, 'two words' as w, count(1)", "D=2024-02-29 W=two words COUNT(1)=1"},
-      {"select 'Grüße, 世界 😀' as \"schöner Name\", 1 as größe", "schöner Name=Grüße, 世界 😀 GRößE=1"},
-      {"select '" + x126 + "y' as v", "V=" + x126 + "y"},
-      {"select '" + x126 + "yz' as v", "V=" + x126 + "y..."},
-      {"select '" + x126 + "é' as v", "V=" + x126 + "..."},
-      {"select 1 as \"" + x126 + "é\"", x126 + "=1"},
-      {"select 1 where 1=0", ""},
-      {"select name from table(pragma_table_info('t')) where name like 'q%'", "NAME=quoted"},
-      {"select value from table ( json_each('[1,2]') ) j", "VALUE=1\nVALUE=2"},
-      {"selct", "refused: [SQLite]near \"selct\": syntax error (1)\n100"},
-      {"select 'after a failure' as a", "A=after a failure"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(row.expected, query(row.sql)) << row.sql;
-  }
+  expectCases(MIREL_HOST "/sqlite_cases.txt", {{"query", [&](const Arguments& a) { return query(a[0]); }}});
   SQLHANDLE tables;
   SQLAllocHandle(SQL_HANDLE_STMT, m_connection, &tables);
   EXPECT_EQ(SQL_SUCCESS, SQLTables(tables, nullptr, 0, nullptr, 0, nullptr, 0, "TABLE", SQL_NTS));
   EXPECT_EQ(SQL_SUCCESS, SQLFetch(tables));
   EXPECT_EQ(SQL_NO_DATA, SQLFetch(tables));
   freeHandles();  // with a connection open and a statement left over
-}
-
-TEST_F(Sqlcli, FailedConnectSaysWhy) {
-  const std::string manager = "[unixODBC][Driver Manager]";
-  for (const auto& [name, expected] : {
-           std::pair{"MISSING", manager + "Data source name not found and no default driver specified\n100"},
-           std::pair{"BAD", std::string("[unixODBC][SQLite]connect failed\n100")},
-       }) {
-    EXPECT_EQ(SQL_ERROR, connect(name)) << name;
-    EXPECT_EQ(expected, report(SQL_HANDLE_DBC, m_connection)) << name;
-    SQLHANDLE statement = 1;
-    EXPECT_EQ(SQL_ERROR, SQLAllocHandle(SQL_HANDLE_STMT, m_connection, &statement)) << name;
-    EXPECT_EQ(manager + "Connection not open\n100", report(SQL_HANDLE_STMT, statement)) << name;
-    freeHandles();
-  }
-}
-
-/// What the functions of connections and statements say to a handle.
-std::set<SQLRETURN> answers(SQLHANDLE handle) {
-  char text[128];
-  short word;
-  long number;
-  unsigned long size;
-  return {SQLConnect(handle, "GOOD", SQL_NTS, "", SQL_NTS, "", SQL_NTS),
-          SQLSetConnectAttr(handle, 2466, nullptr, SQL_IS_UINTEGER),
-          SQLDisconnect(handle),
-          SQLExecDirect(handle, "select 1", SQL_NTS),
-          SQLTables(handle, nullptr, 0, nullptr, 0, nullptr, 0, "TABLE", SQL_NTS),
-          SQLNumResultCols(handle, &word),
-          SQLDescribeCol(handle, 1, text, 128, &word, &word, &size, &word, &word),
-          SQLFetch(handle),
-          SQLGetData(handle, 1, SQL_C_CHAR, text, 128, &number),
-          SQLFreeHandle(SQL_HANDLE_STMT, handle),
-          SQLFreeHandle(4, handle)};
 }
 
 TEST_F(Sqlcli, HandlesThatAreNotAliveAreRefused) {
@@ -180,18 +125,20 @@ TEST_F(Sqlcli, HandlesThatAreNotAliveAreRefused) {
   }
   EXPECT_EQ(4094, count);
   EXPECT_EQ("Too many handles are in use\n100", report(SQL_HANDLE_STMT, none));
-  EXPECT_EQ(std::set{SQL_INVALID_HANDLE}, answers(freed));  // though its slot is in use
   EXPECT_EQ(SQL_INVALID_HANDLE, SQLAllocHandle(SQL_HANDLE_STMT, m_environment, &none));
   EXPECT_EQ(SQL_INVALID_HANDLE, SQLFreeHandle(SQL_HANDLE_ENV, m_connection));
+  EXPECT_EQ(SQL_INVALID_HANDLE, SQLFetch(freed));  // though its slot is in use
   freeHandles();
-  EXPECT_EQ(SQL_INVALID_HANDLE, SQLAllocHandle(SQL_HANDLE_DBC, m_environment, &none));
-  EXPECT_EQ(SQL_NULL_HANDLE, none);
   for (const SQLHANDLE handle :
        {SQL_NULL_HANDLE, -1, 3, 0x7FFFFFFF, freed, left, m_connection, m_environment}) {
-    EXPECT_EQ(std::set{SQL_INVALID_HANDLE}, answers(handle)) << handle;
-    for (short type = 0; type <= 4; ++type) {
-      EXPECT_EQ("-2", report(type, handle)) << handle << " " << type;
-    }
+    long number;
+    EXPECT_EQ(std::set{SQL_INVALID_HANDLE},
+              (std::set{SQLConnect(handle, "GOOD", SQL_NTS, "", SQL_NTS, "", SQL_NTS), SQLDisconnect(handle),
+                        SQLExecDirect(handle, "select 1", SQL_NTS), SQLFetch(handle),
+                        SQLGetData(handle, 1, SQL_C_CHAR, &number, 8, &number),
+                        SQLFreeHandle(SQL_HANDLE_STMT, handle)}))
+        << handle;
+    EXPECT_EQ("-2", report(SQL_HANDLE_STMT, handle)) << handle;
   }
 }
 
@@ -228,29 +175,6 @@ TEST_F(Sqlcli, DirectoryListsEachDataSourceOnce) {
   }
   EXPECT_NE(0, katoDbDirGetNextEntry(KATO_DB_DIR_VERSION, &next, &status));
   EXPECT_GT(0, status.sqlcode);
-}
-
-/// Runs in a process of its own, before whose start the library was hidden.
-[[noreturn]] void runWithoutManager() {
-  SQLHANDLE environment = 1;
-  const SQLRETURN code = SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment);
-  katoDbDirOpenScanStruct scan{nullptr, 1, 1};
-  sqlca status{};
-  const int open = katoDbDirOpenScan(KATO_DB_DIR_VERSION, &scan, &status);
-  std::cerr << code << " " << environment << " " << report(SQL_HANDLE_ENV, environment) << " " << open << " "
-            << scan.dbEntries << " " << status.sqlcode << "\n";
-  fs::remove_all(directory);
-  std::exit(7);
-}
-
-TEST_F(Sqlcli, MissingManagerIsANormalDiagnostic) {
-  testing::GTEST_FLAG(death_test_style) = "threadsafe";
-  std::ofstream(directory / "libodbc.so.2");
-  setenv("LD_LIBRARY_PATH", directory.c_str(), 1);
-  EXPECT_EXIT(
-      runWithoutManager(), testing::ExitedWithCode(7),
-      "^-1 0 libodbc.so.2, the ODBC driver manager, cannot be used: install unixODBC [^\n]*\n100 -1 0 -1\n$");
-  unsetenv("LD_LIBRARY_PATH");
 }
 
 }  // namespace

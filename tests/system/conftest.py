@@ -1,7 +1,11 @@
 """What the system tests share: the built program and a way to run it."""
 import json
 import os
+import socket
 import subprocess
+import threading
+import time
+from contextlib import contextmanager
 from pathlib import Path
 
 import pytest
@@ -27,3 +31,36 @@ def mirel(tmp_path):
 def members(text):
     """A result document as nested lists of (key, value) pairs: order and duplicate keys are kept."""
     return json.loads(text, object_pairs_hook=list, strict=False)
+
+
+@contextmanager
+def server(*answers, whole=True):
+    """Answers one request per connection: with bytes, pauses and deeds in turn. Yields port and requests."""
+    requests = []
+
+    def serve():
+        for answer in answers:
+            peer, _ = listener.accept()
+            with peer:
+                peer.settimeout(30)
+                request = b""
+                head, body, length = b"", b"", 1
+                while len(body) < length:
+                    request += peer.recv(1 << 16)
+                    head, end, body = request.partition(b"\r\n\r\n")
+                    length = whole * int(head.partition(b"Content-Length: ")[2] or 0) if end else 1
+                requests.append(request)
+                for step in answer:
+                    if callable(step):
+                        step(peer)
+                    elif isinstance(step, bytes):
+                        peer.sendall(step)
+                    else:
+                        time.sleep(step)
+        listener.close()
+
+    with socket.create_server(("127.0.0.1", 0)) as listener:
+        thread = threading.Thread(target=serve)
+        thread.start()
+        yield listener.getsockname()[1], requests
+        thread.join()

@@ -49,37 +49,6 @@ def test_page_documents_every_option_in_both_spellings():
         set(table) and len(table) == 13
 
 
-def vocabulary():
-    """Every "word item" that the collectors' sources compare with."""
-    sources = "".join(path.read_text() for path in (ROOT / "collectors").glob("*.cpp"))
-    facts = set()
-    for word, method in re.findall(r'\{"(\w+)", \[\].*?->(\w+)\(item\)', sources):
-        body = re.search(rf"^mirel_string \w+::{method}\(.*?^}}", sources, re.M | re.S)[0]
-        for table in re.findall(r"\bk\w+Items\b", body):
-            body += re.search(rf"{table}\[\] = {{(.*?)^ *}};", sources, re.M | re.S)[1]
-        facts |= {f"{word} {item}" for item in re.findall(r'(?:item == |\{)"(\w+)"', body)}
-    return facts | {"readFile path", "network anything"}
-
-
-def test_page_and_guide_document_every_native_fact():
-    facts = vocabulary()
-    assert len(facts) > 40
-    text, guide = rendered(), (DOCS / "templates.md").read_text()
-    assert {fact for fact in facts if not re.search(rf"\b{fact}\b", text)} == set()
-    rows = dict(re.findall(r"^\| `(\w+)` \| (.*) \|$", guide, re.M))
-    assert {fact for fact in facts - {"readFile path", "network anything"}
-            if f"`{fact.split()[1]}`" not in rows[fact.split()[0]]} == set() and {"readFile", "network"} < set(rows)
-
-
-def test_guide_to_own_libraries_names_every_function_of_the_platform():
-    headers = "".join(path.read_text() for path in (ROOT / "platform").glob("*.h"))
-    functions = set(re.findall(r"^[\w ]+[ *](\w+)\([^)]*$|^[\w ]+[ *](\w+)\([^)]*\);", headers, re.M))
-    names = {one or other for one, other in functions} | {"sqlz_krcbp", "OSSHFile"}
-    assert len(names) > 40
-    guide = (DOCS / "own-libraries.md").read_text()
-    assert {name for name in names if f"`{name}`" not in guide} == set()
-
-
 @pytest.mark.parametrize("document", [PAGE, DOCS / "templates.md"], ids=lambda path: path.name)
 def test_examples_give_what_they_show(document, tmp_path):
     pairs = examples(document)

@@ -14,11 +14,7 @@ BUILD = """
   touch -d "$3" "$1/README.md" &&
   cmake -S "$1" -B "$1/build" -DCMAKE_BUILD_TYPE=Release && cmake --build "$1/build" &&
   cpack -G DEB --config "$1/build/CPackConfig.cmake" -B "$2" """
-COMPLETE = """
-  compopt() { :; }
-  source "$0"; COMP_WORDS=(mirel "$@"); COMP_CWORD=$#; _mirel; printf '%s\n' "${COMPREPLY[@]}" """
 PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
-MANUAL = (ROOT / "docs/mirel.1").read_text()
 EXAMPLES = "usr/share/doc/mirel/examples"
 
 
@@ -78,22 +74,3 @@ def test_units_are_valid_and_confined(root, tmp_path):
     (tmp_path / "etc").mkdir()
     run("systemd-sysusers", f"--root={tmp_path}", root / EXAMPLES / "systemd/mirel.sysusers")
     assert re.match(r"mirel:x:\d+:\d+:.*:/usr/sbin/nologin\n$", (tmp_path / "etc/passwd").read_text())
-
-
-@pytest.mark.parametrize("words, expected", [
-    (["-zo", "a"], ["a dir"]),
-    (["--outfile", "=", "f"], ["facts.json"]),
-    (["--database", "="], [r"My\ Shop", "SALES", "SYSTEM"]),
-    (["-d", r"My\ "], [r"My\ Shop"]),
-    (["--port", ""], [""]),
-    (["-d", "X", "--out"], ["--outfile"]),
-    ([""], sorted(option for letter, name in re.findall(r"^\.It Fl (\w)\b.*, Fl -(\w+)", MANUAL, re.M)
-                  for option in (f"-{letter}", f"--{name}")))])
-def test_completion(root, tmp_path, words, expected):
-    (tmp_path / "a dir").mkdir()
-    (tmp_path / "facts.json").touch()
-    (tmp_path / ".odbc.ini").write_text("[ODBC Data Sources]\nX = Y\n [ My Shop ]\nTrace = [x]\n;[OFF]\n[SALES]")
-    (tmp_path / "odbc.ini").write_text("[SYSTEM]\n")
-    answer = run("bash", "-c", COMPLETE, root / "usr/share/bash-completion/completions/mirel", *words,
-                 cwd=tmp_path, env={"PATH": PATH, "HOME": tmp_path, "ODBCSYSINI": tmp_path})
-    assert sorted(answer.splitlines()) == expected

@@ -7,7 +7,6 @@ import os
 import re
 import shutil
 import sqlite3
-import struct
 import subprocess
 from contextlib import closing
 from pathlib import Path
@@ -65,33 +64,6 @@ def test_the_document(mirel, sample):
     assert document == GOLDEN.read_text()
 
 
-def test_facts_are_the_engines(mirel, sample):
-    target, _ = sample
-    facts = collect(mirel, sample)
-    with closing(sqlite3.connect(target / "sample.db")) as db:
-        ask = lambda query: db.execute(query).fetchall()
-        names = [name for name, in ask("select name from sqlite_schema "
-                                       "where type = 'table' and name not like 'sqlite%'")]
-        rows = [ask(f"select count(*) from {name}")[0][0] for name in names]
-        pages = [ask(f"select count(*) from dbstat where name = '{name}'")[0][0] for name in names]
-        columns = [kind for kind, in ask(
-            "select upper(c.type) from sqlite_schema s, pragma_table_xinfo(s.name) c "
-            "where s.type in ('table', 'view') and s.name not like 'sqlite%'")]
-        image = (target / "databases/SAMPLE/member0000/SQLDBCONF").read_bytes()
-        assert len(image) == 16384 and image[36:40] == bytes.fromhex(digest(target / "sample.db")[:8])
-        expected = {
-            "seed": struct.unpack_from("=I", image, 36)[0], "numberOfTables": len(names),
-            "minNumberOfRowsInTables": min(rows), "maxNumberOfRowsInTables": max(rows),
-            "minNPages": min(pages), "maxNPages": max(pages), "numberOfXMLColumns": columns.count("XML"),
-        }
-        assert {key: facts[key] for key in expected} == {key: str(value) for key, value in expected.items()}
-        assert float(facts["averageNumberOfRowsInTables"]) == pytest.approx(sum(rows) / len(rows))
-        assert float(facts["averageNPages"]) == pytest.approx(sum(pages) / len(pages))
-        types = {dict(row)["TYPENAME"]: int(dict(row)["COUNT"]) for row in facts["columnTypeDistrobution"]}
-        plain = [kind.split("(")[0].split(" ")[0] for kind in columns]
-        assert types == {kind: plain.count(kind) for kind in plain}
-
-
 @pytest.mark.parametrize("hold", [
     "",
     "begin immediate",  # another process is about to write
@@ -145,33 +117,3 @@ def test_strangers(mirel, sample, tmp_path, name):
         db.executescript(script)
     facts = collect(mirel, sample, file)
     assert {key: facts[key] for key in expected} == expected
-
-
-def test_a_huge_file_is_not_read_through(mirel, sample, tmp_path):
-    file = tmp_path / "huge.db"
-    with closing(sqlite3.connect(file)) as db:
-        db.executescript("pragma page_size = 4096; create table t(a); insert into t values(1);")
-    with open(file, "r+b") as image:  # says that it has 300,000 pages, and is so long
-        image.truncate(300000 * 4096)
-        image.seek(28)
-        image.write(struct.pack(">I", 300000))
-    facts = collect(mirel, sample, file)
-    assert {key: facts[key] for key in UNKNOWN} == UNKNOWN
-
-
-def test_create_keeps_a_database_that_is_up_to_date(sample):
-    target, _ = sample
-    with closing(sqlite3.connect(target / "sample.db")) as db:
-        db.executescript("create table mine(a)")
-    before = digest(target / "sample.db")
-    subprocess.run([ROOT / "sample/create", target, BUILD], check=True, stdout=subprocess.DEVNULL)
-    assert digest(target / "sample.db") == before
-
-
-def test_kato_sees_who_has_the_database_open(sample):
-    target, environment = sample
-    active = lambda: subprocess.run(["kato", "list", "active", "databases"], env=environment, check=True,
-                                    capture_output=True, text=True).stdout
-    assert active() == " Active databases\n"
-    with open(target / "sample.db", "rb"):
-        assert " Database name                = SAMPLE\n Applications connected       = 1\n" in active()

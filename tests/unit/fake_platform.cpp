@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iostream>
 
+#include "common/mirel_common_memory.h"
 #include "platform/progress.h"
 #include "platform/sockets.h"
 
@@ -39,10 +40,10 @@ struct Code {
 };
 
 template <class... Arguments>
-Code enter(P::Family family, const char* function, const Arguments&... arguments) {
+Code enter(const char* function, const Arguments&... arguments) {
   std::string line;
   ((line += (line.empty() ? "" : ", ") + shown(arguments)), ...);
-  return {s_current->enter(family, function + ('(' + line + ')'))};
+  return {s_current->enter(function + ('(' + line + ')'))};
 }
 
 std::string stamp(unsigned long version) {
@@ -53,12 +54,44 @@ std::string tag(const char* file, unsigned int line) {
   return std::string(file) + ':' + std::to_string(line);
 }
 
+// --- The ends of calls.
+
 /// Copies a text into a buffer of the caller, cut to its size; whether it fitted.
 bool deliver(const std::string& text, void* target, std::size_t size) {
   const std::size_t count = std::min(text.size(), size - 1);
   std::memcpy(target, text.data(), count);
   static_cast<char*>(target)[count] = '\0';
   return count == text.size();
+}
+
+Code answerWith(const std::string& text, char* buffer, unsigned long size, Code code) {
+  if (!code)
+    deliver(text, buffer, size);
+  return code;
+}
+
+template <class Info>
+Code tell(Info FakePlatform::*prepared, Info* info, Code code) {
+  if (!code || code.value == OSS_SYSINFO_PARTIAL)
+    *info = s_current->*prepared;
+  return code;
+}
+
+template <class Number>
+Code give(Number* number, Number whenWell, Number otherwise, Code code) {
+  *number = code ? otherwise : whenWell;
+  return code;
+}
+
+Code opened(const char* what, Code code) {
+  s_current->opened(what, code ? 0 : 1);
+  return code;
+}
+
+/// Whether it can is not asked: a call that gives something back does so.
+Code closed(const char* what, Code code) {
+  s_current->opened(what, -1);
+  return code;
 }
 
 }  // namespace
@@ -71,8 +104,8 @@ FakePlatform::~FakePlatform() {
   s_current = m_previous;
 }
 
-long FakePlatform::enter(Family family, const std::string& line) {
-  m_calls.emplace_back(family, line);
+long FakePlatform::enter(const std::string& line) {
+  m_calls.push_back(line);
   long code = 0;
   for (Fault& fault : m_faults)
     if (line.starts_with(fault.call) && (++fault.seen == fault.nth || fault.nth == 0))
@@ -80,17 +113,24 @@ long FakePlatform::enter(Family family, const std::string& line) {
   return code;
 }
 
-std::string FakePlatform::calls(Family family) const {
+std::string FakePlatform::calls(const std::string& beginning) const {
   std::string lines;
-  for (const auto& [group, line] : m_calls)
-    if (family == group || (family == every && group != memory))
+  for (const std::string& line : m_calls)
+    if (line.starts_with(beginning) && line.starts_with("_ossMem") == beginning.starts_with("_ossMem"))
       lines += line + '\n';
   return lines;
 }
 
 long FakePlatform::count(const std::string& call) const {
-  return std::count_if(m_calls.begin(), m_calls.end(),
-                       [&](const auto& entry) { return entry.second.starts_with(call); });
+  return std::count_if(m_calls.begin(), m_calls.end(), [&](auto& line) { return line.starts_with(call); });
+}
+
+std::vector<Cell> FakePlatform::cells(const std::string& line, char separator) {
+  std::istringstream stream(line);
+  std::vector<Cell> row;
+  for (std::string cell; std::getline(stream, cell, separator);)
+    row.push_back(cell == "NULL" ? Cell() : cell);
+  return row;
 }
 
 std::string FakePlatform::open() const {
@@ -102,19 +142,15 @@ std::string FakePlatform::open() const {
 }
 
 PlatformTest::PlatformTest()
-    : m_realOutput(std::cout.rdbuf(&m_output)), m_realError(std::cerr.rdbuf(&m_error)) {}
+    : m_realOutput(std::cout.rdbuf(&m_output)), m_realError(std::cerr.rdbuf(&m_error)) {
+  memoryRanOut = false;  // as it is when a run begins
+}
 
 PlatformTest::~PlatformTest() {
   std::cout.rdbuf(m_realOutput);
   std::cerr.rdbuf(m_realError);
-  EXPECT_EQ("", standardOutput()) << "left unread";
-  EXPECT_EQ("", standardError()) << "left unread";
-  EXPECT_EQ(m_left, platform.open()) << "left open";
-}
-
-void PlatformTest::printOnRealError() const {
-  std::cout.rdbuf(m_realError);
-  std::cerr.rdbuf(m_realError);
+  EXPECT_EQ("", standardOutput() + standardError()) << "left unread";
+  EXPECT_EQ("", platform.open()) << "left open";
 }
 
 int PlatformTest::exitStatusOf(const std::function<void()>& action) {
@@ -131,52 +167,31 @@ int PlatformTest::exitStatusOf(const std::function<void()>& action) {
 
 unsigned int ossOneTimeOnly() {
   s_current->opened("service");
-  return enter(P::service, "ossOneTimeOnly");
+  return enter("ossOneTimeOnly");
 }
 
 void ossTerminate() {
-  s_current->opened("service", -1);
-  enter(P::service, "ossTerminate");
-}
-
-// Knows the options by the long table alone, whose letters are the short ones.
-int sqlogopt(int count, char* const* arguments, const char* shortOptions, SqloOptionState* state,
-             const SqloLongOption* longOptions) {
-  if (enter(P::service, "sqlogopt", shortOptions) || ++state->index >= count)
-    return -1;
-  const std::string typed = state->argument = arguments[state->index];
-  for (; longOptions->name != nullptr; ++longOptions) {
-    if (typed != std::string("-") + static_cast<char>(longOptions->letter) &&
-        typed != std::string("--") + longOptions->name)
-      continue;
-    if (longOptions->takesArgument && state->index + 1 >= count)
-      break;
-    state->argument = longOptions->takesArgument ? arguments[++state->index] : nullptr;
-    return longOptions->letter;
-  }
-  return '?';
+  closed("service", enter("ossTerminate"));
 }
 
 int _ossMemAlloc(void** block, void* pool, unsigned long size, unsigned int flags, const char* file,
                  unsigned int line) {
   EXPECT_EQ(nullptr, pool);
-  const Code code = enter(P::memory, "_ossMemAlloc", size, flags, tag(file, line));
+  const Code code = opened("block", enter("_ossMemAlloc", size, flags, tag(file, line)));
   *block = code ? nullptr : std::malloc(size);
   if (!code)
     std::memset(*block, flags == 1 ? 0 : 0xA5, size);
-  s_current->opened("block", code ? 0 : 1);
   return code;
 }
 
 int _ossMemFree(void** block, unsigned long reserved1, unsigned long reserved2, const char* file,
                 unsigned int line) {
   std::free(std::exchange(*block, nullptr));
-  s_current->opened("block", -1);
-  return enter(P::memory, "_ossMemFree", reserved1, reserved2, tag(file, line));
+  return closed("block", enter("_ossMemFree", reserved1, reserved2, tag(file, line)));
 }
 
 int ossSnprintf(char* buffer, unsigned long size, const char* format, ...) {
-  if (enter(P::service, "ossSnprintf", size, format))
+  if (enter("ossSnprintf", size, format))
     return -1;
   va_list arguments;
   va_start(arguments, format);
@@ -190,36 +205,34 @@ int ossSnprintf(char* buffer, unsigned long size, const char* format, ...) {
 namespace {
 
 /// The handle, or -1 when there is no such file.
-long openFile(const char* path) {
+int openFile(const char* path) {
   if (!s_current->files.contains(path))
     return -1;
   s_current->openFiles.push_back(path);
   s_current->opened("file");
-  return static_cast<long>(s_current->openFiles.size());
+  return static_cast<int>(s_current->openFiles.size());
 }
 
 std::string& contentsOf(long handle) {
   return s_current->files[s_current->openFiles.at(static_cast<std::size_t>(handle - 1))];
 }
 
-/// Whether it was open. A handle is never used again.
-bool closeFile(long handle) {
-  const auto index = static_cast<std::size_t>(handle - 1);
-  if (handle <= 0 || std::exchange(s_current->openFiles.at(index), "").empty())
-    return false;
-  s_current->opened("file", -1);
-  return true;
+/// A handle is never used again.
+Code closeFile(long handle, Code code) {
+  if (handle <= 0 || std::exchange(s_current->openFiles.at(static_cast<std::size_t>(handle - 1)), "").empty())
+    return {-9};
+  return closed("file", code);
 }
 
 }  // namespace
 
 OSSHFile::OSSHFile() : m_handle(-1) {}
 OSSHFile::~OSSHFile() {
-  closeFile(m_handle);
+  closeFile(m_handle, {});
 }
 
 unsigned int OSSHFile::open(const OSSFileOpenParam* p) {
-  if (const Code code = enter(P::file, "open", stamp(p->version), p->path, p->options, p->access, p->sharing,
+  if (const Code code = enter("open", stamp(p->version), p->path, p->options, p->access, p->sharing,
                               p->permissions, p->reserved))
     return code;
   if (p->options == 16)
@@ -229,88 +242,69 @@ unsigned int OSSHFile::open(const OSSFileOpenParam* p) {
 }
 
 unsigned int OSSHFile::write(const OSSFileWriteParam* p, unsigned long* written) {
-  const std::string data(p->data, p->count);
-  const Code code = enter(P::file, "write", stamp(p->version), data.c_str(), p->count, p->reserved);
-  contentsOf(m_handle) += code ? "" : data;
-  *written = code ? 0 : p->count;
+  const Code code = give(written, p->count, 0UL, enter("write", stamp(p->version), p->count, p->reserved));
+  contentsOf(m_handle).append(p->data, *written);
   return code;
 }
 
 unsigned int OSSHFile::read(const OSSFileReadParam* p, void* buffer, unsigned long* received) {
-  const Code code = enter(P::file, "read", stamp(p->version), p->count, p->reserved);
+  const Code code = enter("read", stamp(p->version), p->count, p->reserved);
   *received = code ? 0 : contentsOf(m_handle).copy(static_cast<char*>(buffer), p->count);
   return code;
 }
 
 unsigned int OSSHFile::sync() {
-  return enter(P::file, "sync");
+  return enter("sync");
 }
 
 unsigned int OSSHFile::getSize(unsigned long* bytes) {
-  const Code code = enter(P::file, "getSize");
-  *bytes = code ? *bytes : contentsOf(m_handle).size();
-  return code;
+  return give(bytes, contentsOf(m_handle).size(), *bytes, enter("getSize"));
 }
 
 unsigned int OSSHFile::close() {
-  closeFile(m_handle);
-  return enter(P::file, "close");
+  return closeFile(m_handle, enter("close"));
 }
 
 int sqloopenp(const char* path, unsigned int flags, unsigned int mode, int* handle, unsigned int reserved,
               unsigned int options) {
-  const Code code = enter(P::file, "sqloopenp", path, flags, mode, reserved, options);
-  *handle = code ? -1 : static_cast<int>(openFile(path));
+  *handle = enter("sqloopenp", path, flags, mode, reserved, options) ? -1 : openFile(path);
   return *handle == -1 ? -1 : 0;
 }
 
 int sqloread(int handle, unsigned long count, void* buffer, unsigned long* received) {
-  const Code code = enter(P::file, "sqloread", handle, count);
+  const Code code = enter("sqloread", handle, count);
   *received = code ? 0 : contentsOf(handle).copy(static_cast<char*>(buffer), count);
   return code;
 }
 
 int sqloclose(int handle) {
-  const Code code = enter(P::file, "sqloclose", handle);
-  return closeFile(handle) ? code : Code{-9};
+  return closeFile(handle, enter("sqloclose", handle));
 }
 
 // --- System information.
 
 unsigned int ossSysInfoOneTimeOnly() {
-  return enter(P::facts, "ossSysInfoOneTimeOnly");
+  return enter("ossSysInfoOneTimeOnly");
 }
-
-namespace {
-
-template <class Info, class... Arguments>
-unsigned int tell(Info FakePlatform::*prepared, Info* info, const Arguments&... call) {
-  const unsigned int code = enter(P::facts, call...);
-  if (code == 0 || code == OSS_SYSINFO_PARTIAL)
-    *info = s_current->*prepared;
-  return code;
-}
-
-}  // namespace
-
 unsigned int ossGetOSInfo(OSSOSInfo* info) {
-  return tell(&P::os, info, "ossGetOSInfo", stamp(info->version));
+  return tell(&P::os, info, enter("ossGetOSInfo", stamp(info->version)));
 }
 unsigned int ossGetCPUInfo(OSSCPUInfo* info) {
-  return tell(&P::cpu, info, "ossGetCPUInfo", stamp(info->version), info->reserved4, info->reserved5);
+  return tell(&P::cpu, info, enter("ossGetCPUInfo", stamp(info->version), info->reserved4, info->reserved5));
 }
 unsigned int ossGetPhysMemInfo(OSSPhysMemInfo* info) {
-  return tell(&P::physical, info, "ossGetPhysMemInfo", stamp(info->version));
+  return tell(&P::physical, info, enter("ossGetPhysMemInfo", stamp(info->version)));
 }
 unsigned int ossGetVirtualMemInfo(OSSVirtualMemInfo* info) {
-  return tell(&P::virtualMemory, info, "ossGetVirtualMemInfo", stamp(info->version));
+  return tell(&P::virtualMemory, info, enter("ossGetVirtualMemInfo", stamp(info->version)));
 }
 unsigned int ossGetPhysSwapInfo(OSSPhysSwapInfo* info) {
-  return tell(&P::swap, info, "ossGetPhysSwapInfo", stamp(info->version));
+  return tell(&P::swap, info, enter("ossGetPhysSwapInfo", stamp(info->version)));
 }
 unsigned int ossGetDiskInfo(const OSSDiskInfoParam* p, OSSDiskInfo* info) {
-  return tell(&P::disk, info, "ossGetDiskInfo", stamp(p->version), p->path, p->options, p->filter,
-              stamp(info->version));
+  return tell(
+      &P::disk, info,
+      enter("ossGetDiskInfo", stamp(p->version), p->path, p->options, p->filter, stamp(info->version)));
 }
 
 // --- SQL call-level interface.
@@ -325,7 +319,7 @@ bool succeeded(long code) {
 template <class... Arguments>
 SQLRETURN enterSql(short type, int handle, const char* function, const Arguments&... arguments) {
   P::Handle& on = s_current->handles[handle];
-  SQLRETURN code = enter(P::sql, function, arguments...);
+  SQLRETURN code = enter(function, arguments...);
   if (code == 0 && on.type != type)
     code = SQL_INVALID_HANDLE;
   on.messages.assign(succeeded(code) ? 0 : 1, std::string(function) + " failed");
@@ -333,25 +327,25 @@ SQLRETURN enterSql(short type, int handle, const char* function, const Arguments
 }
 
 /// The end of a call on a statement that has run: its result, or what it was refused with.
-SQLRETURN execute(int handle, const char* text, SQLRETURN code) {
+SQLRETURN execute(int handle, const std::string& text, SQLRETURN code) {
   if (!succeeded(code))
     return code;
-  const P::Statement unprepared = {{}, {"unprepared: " + std::string(text)}};
-  const auto found = s_current->statements.find(text);
-  const P::Statement& statement = found == s_current->statements.end() ? unprepared : found->second;
+  const P::Statement unprepared = {{}, {"unprepared: " + text}};
+  const P::Statement& statement = s_current->statements.try_emplace(text, unprepared).first->second;
   s_current->handles[handle].messages = statement.messages;
   s_current->handles[handle].result = &statement.table;
   return statement.messages.empty() ? code : SQL_ERROR;
 }
 
-std::string kind(short type) {
+const char* kind(short type) {
   return type == SQL_HANDLE_ENV ? "environment" : type == SQL_HANDLE_DBC ? "connection" : "statement";
 }
 
 }  // namespace
 
 SQLRETURN SQLAllocHandle(short type, SQLHANDLE input, SQLHANDLE* output) {
-  const auto code = enterSql(static_cast<short>(type - 1), input, "SQLAllocHandle", kind(type), input);
+  const auto code =
+      enterSql(static_cast<short>(type - 1), input, "SQLAllocHandle", std::string(kind(type)), input);
   *output = succeeded(code) ? ++s_current->lastHandle : 0;
   s_current->handles[*output].type = succeeded(code) ? type : 0;
   s_current->handles[*output].messages = s_current->handles[input].messages;
@@ -360,11 +354,10 @@ SQLRETURN SQLAllocHandle(short type, SQLHANDLE input, SQLHANDLE* output) {
 }
 
 SQLRETURN SQLFreeHandle(short type, SQLHANDLE handle) {
-  const auto code = enterSql(type, handle, "SQLFreeHandle", kind(type), handle);
-  short& open = s_current->handles[handle].type;
-  EXPECT_TRUE(open == type || handle == 0) << "SQLFreeHandle of a stale handle";
-  if (std::exchange(open, short{0}) == type)
-    s_current->opened(kind(type), -1);
+  const auto code = enterSql(type, handle, "SQLFreeHandle", std::string(kind(type)), handle);
+  const short was = std::exchange(s_current->handles[handle].type, short{0});
+  EXPECT_TRUE(was == type || handle == 0) << "SQLFreeHandle of a stale handle";
+  s_current->opened(kind(type), was == type ? -1 : 0);
   return code;
 }
 
@@ -384,16 +377,16 @@ SQLRETURN SQLDisconnect(SQLHANDLE connection) {
 }
 
 SQLRETURN SQLExecDirect(SQLHANDLE statement, const char* text, int length) {
-  const auto code = enterSql(SQL_HANDLE_STMT, statement, "SQLExecDirect", statement, text, length);
-  return execute(statement, text, code);
+  return execute(statement, text,
+                 enterSql(SQL_HANDLE_STMT, statement, "SQLExecDirect", statement, text, length));
 }
 
 SQLRETURN SQLTables(SQLHANDLE statement, const char* catalog, short catalogLength, const char* schema,
                     short schemaLength, const char* table, short tableLength, const char* type,
                     short typeLength) {
-  const auto code = enterSql(SQL_HANDLE_STMT, statement, "SQLTables", statement, catalog, catalogLength,
-                             schema, schemaLength, table, tableLength, type, typeLength);
-  return execute(statement, "SQLTables", code);
+  return execute(statement, "SQLTables",
+                 enterSql(SQL_HANDLE_STMT, statement, "SQLTables", statement, catalog, catalogLength, schema,
+                          schemaLength, table, tableLength, type, typeLength));
 }
 
 SQLRETURN SQLNumResultCols(SQLHANDLE statement, short* count) {
@@ -430,8 +423,6 @@ SQLRETURN SQLGetData(SQLHANDLE statement, unsigned short column, short targetTyp
     return code;
   const P::Handle& handle = s_current->handles[statement];
   const Cell& cell = handle.result->at(handle.row).at(column - 1U);
-  if (cell == unreadable)
-    return SQL_ERROR;
   // Like a driver of the 32-bit days: only the low half of the indicator is written.
   const int length = cell ? static_cast<int>(cell->size()) : SQL_NULL_DATA;
   std::memcpy(indicator, &length, sizeof length);
@@ -441,13 +432,11 @@ SQLRETURN SQLGetData(SQLHANDLE statement, unsigned short column, short targetTyp
 
 SQLRETURN SQLGetDiagRec(short type, SQLHANDLE handle, short record, char* state, int* nativeError,
                         char* message, short messageSize, short* messageLength) {
-  const SQLRETURN code = enter(P::sql, "SQLGetDiagRec", kind(type), handle, record, messageSize);
-  if (!succeeded(code))
-    return code;
+  const SQLRETURN code = enter("SQLGetDiagRec", std::string(kind(type)), handle, record, messageSize);
   const std::vector<std::string>& messages = s_current->handles[handle].messages;
   const auto index = static_cast<std::size_t>(record - 1);
-  if (index >= messages.size())
-    return SQL_NO_DATA;
+  if (!succeeded(code) || index >= messages.size())
+    return succeeded(code) ? SQL_NO_DATA : code;
   deliver("HY000", state, 6);
   *nativeError = -1;
   *messageLength = static_cast<short>(messages[index].size());
@@ -457,111 +446,86 @@ SQLRETURN SQLGetDiagRec(short type, SQLHANDLE handle, short record, char* state,
 
 // --- Administration.
 
-namespace {
-
-sqlz_krcb s_controlBlock = {7};
-
-/// The end of a call that answers with a text.
-int answerWith(const std::string& text, char* buffer, unsigned long size, Code code) {
-  if (!code)
-    deliver(text, buffer, size);
-  return code;
-}
-
-}  // namespace
-
+static sqlz_krcb s_controlBlock = {7};
 sqlz_krcb* sqlz_krcbp = &s_controlBlock;
 
 int sqleGetLevelInfo(unsigned int version, sqleLevelInfo* level) {
-  const Code code = enter(P::admin, "sqleGetLevelInfo", version);
-  if (!code)
-    *level = s_current->level;
-  return code;
+  return tell(&P::level, level, enter("sqleGetLevelInfo", version));
 }
 
 int katoDbDirOpenScan(unsigned int version, katoDbDirOpenScanStruct* request, sqlca*) {
-  if (enter(P::admin, "katoDbDirOpenScan", version, request->path, request->handle))
+  if (opened("scan", enter("katoDbDirOpenScan", version, request->path, request->handle)))
     return -1;
-  s_current->directoryPosition = 0;
   request->handle = 5;
-  request->dbEntries = static_cast<unsigned short>(s_current->databases.size());
-  s_current->opened("scan");
+  request->dbEntries = 1;
   return 0;
 }
 
 int katoDbDirGetNextEntry(unsigned int version, katoDbDirNextEntryStruct* request, sqlca*) {
-  const Code code = enter(P::admin, "katoDbDirGetNextEntry", version, request->handle);
-  if (code || s_current->directoryPosition >= s_current->databases.size())
-    return -1;
   request->entry = &s_current->directoryEntry;
-  return answerWith(s_current->databases[s_current->directoryPosition++], request->entry->alias, 256, code);
+  return enter("katoDbDirGetNextEntry", version, request->handle);
 }
 
 int katoDbDirCloseScan(unsigned int version, katoDbDirCloseScanStruct* request, sqlca*) {
-  const Code code = enter(P::admin, "katoDbDirCloseScan", version, request->handle);
-  s_current->opened("scan", request->handle == 5 ? -1 : 0);
-  return request->handle == 5 ? code : Code{-2};
+  const Code code = enter("katoDbDirCloseScan", version, request->handle);
+  return request->handle == 5 ? closed("scan", code) : Code{-2};
 }
 
 int sqloInstallPath(unsigned long size, char* buffer) {
-  return answerWith("/opt/kato", buffer, size, enter(P::admin, "sqloInstallPath", size));
+  return answerWith("/opt/kato", buffer, size, enter("sqloInstallPath", size));
 }
 
 int sqloGetInstanceOwnerName(char* buffer, unsigned long size) {
-  return answerWith("katoinst1", buffer, size, enter(P::admin, "sqloGetInstanceOwnerName", size));
+  return answerWith("katoinst1", buffer, size, enter("sqloGetInstanceOwnerName", size));
 }
 
 int sqlfGetGDBPath(const char* database, char* buffer, int flags) {
   return answerWith("/db/" + std::string(database) + '/', buffer, 256,
-                    enter(P::admin, "sqlfGetGDBPath", database, flags));
+                    enter("sqlfGetGDBPath", database, flags));
 }
 
 int sqlfGetMemberDBPathFromGDBPath(const char* globalPath, char* buffer, short member) {
   return answerWith(globalPath + std::string("member/"), buffer, 256,
-                    enter(P::admin, "sqlfGetMemberDBPathFromGDBPath", globalPath, member));
+                    enter("sqlfGetMemberDBPathFromGDBPath", globalPath, member));
 }
 
 // --- Sockets.
 
 unsigned int sqloPdbCommFncInit() {
   s_current->opened("communication");
-  return enter(P::network, "sqloPdbCommFncInit");
+  return enter("sqloPdbCommFncInit");
 }
 
 unsigned int sqloPdbCommFncTerm() {
-  s_current->opened("communication", -1);
   s_current->closeAll("socket");
-  return enter(P::network, "sqloPdbCommFncTerm");
+  return closed("communication", enter("sqloPdbCommFncTerm"));
 }
 
 unsigned int sqloPdbCreateSocket(int* handle, int options) {
-  const Code code = enter(P::network, "sqloPdbCreateSocket", options);
-  *handle = code ? -1 : ++s_current->lastSocket;
-  s_current->opened("socket", code ? 0 : 1);
-  return code;
+  return give(handle, ++s_current->lastSocket, -1, opened("socket", enter("sqloPdbCreateSocket", options)));
 }
 
 unsigned int sqloPdbTcpIpResolveHostName(const char* host, SqloHostAddress* address, int retries,
                                          int options) {
   deliver(host, address->bytes, sizeof address->bytes);
-  return enter(P::network, "sqloPdbTcpIpResolveHostName", host, retries, options);
+  return enter("sqloPdbTcpIpResolveHostName", host, retries, options);
 }
 
 unsigned int sqloPdbInitNodeAddrHndl(int type, SqloNodeAddress* node, const SqloHostAddress* address,
                                      unsigned int port) {
   const char* host = reinterpret_cast<const char*>(address->bytes);
   deliver(host + (':' + std::to_string(port)), node->bytes, sizeof node->bytes);
-  return enter(P::network, "sqloPdbInitNodeAddrHndl", type, host, port);
+  return enter("sqloPdbInitNodeAddrHndl", type, host, port);
 }
 
 unsigned int sqloPdbConnectSocket(int handle, const SqloNodeAddress* node) {
   s_current->sent.emplace_back();
-  return enter(P::network, "sqloPdbConnectSocket", handle, reinterpret_cast<const char*>(node->bytes));
+  return enter("sqloPdbConnectSocket", handle, reinterpret_cast<const char*>(node->bytes));
 }
 
 unsigned int sqloPdbSendBuffer(int handle, const void* data, unsigned int count, unsigned int* sent) {
-  const Code code = enter(P::network, "sqloPdbSendBuffer", handle, count);
-  *sent = code ? 0 : std::min(count, s_current->sendLimit);
+  const Code code =
+      give(sent, std::min(count, s_current->sendLimit), 0U, enter("sqloPdbSendBuffer", handle, count));
   s_current->sent.back().append(static_cast<const char*>(data), *sent);
   return code;
 }
@@ -569,7 +533,7 @@ unsigned int sqloPdbSendBuffer(int handle, const void* data, unsigned int count,
 unsigned int sqloPdbRecvBuffer(int handle, void* buffer, unsigned int size, unsigned int* received,
                                int waitSeconds, int options) {
   *received = 0;
-  if (const Code code = enter(P::network, "sqloPdbRecvBuffer", handle, size, waitSeconds, options))
+  if (const Code code = enter("sqloPdbRecvBuffer", handle, size, waitSeconds, options))
     return code;
   auto& responses = s_current->responses;
   if (responses.empty() || responses.front().empty()) {
@@ -585,68 +549,54 @@ unsigned int sqloPdbRecvBuffer(int handle, void* buffer, unsigned int size, unsi
 }
 
 unsigned int sqloPdbCloseSocket(int handle) {
-  s_current->opened("socket", -1);
-  return enter(P::network, "sqloPdbCloseSocket", handle);
+  return closed("socket", enter("sqloPdbCloseSocket", handle));
 }
 
 // --- The system library. The test framework and the sanitizers call some of these, too.
 
-namespace {
-
-/// What popen opens.
-struct Pipe {
-  std::string output;
-  std::size_t position = 0;
-  bool atEnd = false;
-};
-
-}  // namespace
-
 extern "C" {
 
+char* __real_fgets(char* buffer, int size, FILE* file);
+int __real_feof(FILE* file);
 char* __real_getenv(const char* name);
 [[noreturn]] void __real_exit(int status);
+decltype(sqlogopt) __real_sqlogopt;
+
+int __wrap_sqlogopt(int count, char* const* arguments, const char* shortOptions, SqloOptionState* state,
+                    const SqloLongOption* longOptions) {
+  const Code code = enter("sqlogopt", shortOptions);
+  return code ? static_cast<int>(code) : __real_sqlogopt(count, arguments, shortOptions, state, longOptions);
+}
 
 FILE* __wrap_popen(const char* command, const char* mode) {
-  if (enter(P::process, "popen", command, mode))
+  if (opened("pipe", enter("popen", command, mode)))
     return nullptr;
-  s_current->opened("pipe");
-  const auto found = s_current->commands.find(command);
-  return reinterpret_cast<FILE*>(new Pipe{found == s_current->commands.end() ? "" : found->second});
+  std::string& output = s_current->commands[command];
+  return fmemopen(output.data(), output.size(), mode);
 }
 
 char* __wrap_fgets(char* buffer, int size, FILE* file) {
-  auto& [output, position, atEnd] = *reinterpret_cast<Pipe*>(file);
-  if (enter(P::process, "fgets", size))
-    return nullptr;
-  const std::size_t room = static_cast<std::size_t>(size) - 1;
-  const std::size_t lineEnd = output.find('\n', position);
-  const std::size_t count = std::min(room, std::min(lineEnd, output.size() - 1) + 1 - position);
-  atEnd = lineEnd == std::string::npos && count < room;
-  deliver(output.substr(position, count), buffer, count + 1);
-  position += count;
-  return count == 0 ? nullptr : buffer;
+  return enter("fgets", size) ? nullptr : __real_fgets(buffer, size, file);
 }
 
 int __wrap_feof(FILE* file) {
-  enter(P::process, "feof");
-  return reinterpret_cast<Pipe*>(file)->atEnd;
+  enter("feof");
+  return __real_feof(file);
 }
 
 int __wrap_pclose(FILE* file) {
-  delete reinterpret_cast<Pipe*>(file);
-  s_current->opened("pipe", -1);
-  return enter(P::process, "pclose");
+  std::fclose(file);
+  return closed("pipe", enter("pclose"));
 }
 
 char* __wrap_getenv(const char* name) {
   if (s_current == nullptr || std::strcmp(name, "HOME") != 0)
     return __real_getenv(name);
-  return enter(P::process, "getenv", name) ? nullptr : const_cast<char*>(s_current->home);
+  return enter("getenv", name) ? nullptr : const_cast<char*>(s_current->home);
 }
 
 int __wrap_gethostname(char* name, size_t size) {
-  return answerWith("node1", name, size, enter(P::process, "gethostname", size));
+  return answerWith("node1", name, size, enter("gethostname", size));
 }
 
 void __wrap_exit(int status) {

@@ -22,17 +22,16 @@
 #include "platform/sqlcli.h"
 #include "platform/sysinfo.h"
 
-/// One value of a prepared row: a text, `null` for SQL NULL, or `unreadable`, which SQLGetData refuses.
+/// One value of a prepared row: a text, or nothing for SQL NULL.
 using Cell = std::optional<std::string>;
-inline const Cell null;
-inline const Cell unreadable = "(SQLGetData has to refuse this)";
 
 class FakePlatform {
  public:
-  /// Groups of functions, to ask for the calls of one group only; `every` leaves out the memory.
-  enum Family { memory, service, file, facts, sql, admin, network, process, every };
   /// The names of the columns, then the rows.
   using Table = std::vector<std::vector<Cell>>;
+
+  /// A row out of its text, in which "NULL" is SQL NULL.
+  static std::vector<Cell> cells(const std::string& line, char separator);
 
   /// The functions of the platform speak to the fake made last; when it is gone, to the one before.
   FakePlatform();
@@ -51,11 +50,9 @@ class FakePlatform {
   /// "SQLAllocHandle(statement"; "" counts all calls of the platform. A code that means success in its family
   /// is returned by a call that does its work.
   void fail(const std::string& call, long nth = 1, long code = -1) { m_faults.push_back({call, nth, code}); }
-  /// Takes back what `fail` asked for.
-  void heal() { m_faults.clear(); }
 
-  /// The calls of one family in order, one line each.
-  std::string calls(Family family) const;
+  /// The calls that begin like this in order, one line each; those of the memory only when asked for.
+  std::string calls(const std::string& beginning = "") const;
   void forgetCalls() { m_calls.clear(); }
   /// How many calls begin like this, since the calls were forgotten.
   long count(const std::string& call) const;
@@ -67,7 +64,6 @@ class FakePlatform {
   std::map<std::string, std::string> commands;      ///< command to its output; others print nothing
   std::vector<std::vector<std::string>> responses;  ///< what connections receive, an empty piece being a wait
   const char* home = "/home/kato";                  ///< null: not set
-  std::vector<std::string> databases;               ///< aliases in the database directory
   unsigned int sendLimit = 1U << 30U;               ///< bytes that one send takes at most
   sqleLevelInfo level = {"", "1.1.0.4", "s250101", "KT0042", 4, "", "KATO v1.1"};
   OSSOSInfo os = {0, {"Linux", 0},   {"node1", 0}, {"#1 SMP", 0}, {"6.1.0", 0}, {"x86_64", 0}, {},
@@ -93,7 +89,7 @@ class FakePlatform {
   };
 
   /// Writes the call down; the code that it has to return when it must fail, else 0.
-  long enter(Family family, const std::string& line);
+  long enter(const std::string& line);
   void opened(const std::string& what, long number = 1) { m_open[what] += number; }
   void closeAll(const std::string& what) { m_open.erase(what); }
 
@@ -101,8 +97,7 @@ class FakePlatform {
   std::map<int, Handle> handles;       ///< of the call-level interface
   std::vector<std::string> openFiles;  ///< paths by handle, counted from 1; empty: closed
   int lastHandle = 0, lastSocket = 0;
-  std::size_t directoryPosition = 0;
-  katoDbDirInfoV9 directoryEntry = {};
+  katoDbDirInfoV9 directoryEntry = {"SAMPLE  ", {}};
 
  private:
   struct Fault {
@@ -112,7 +107,7 @@ class FakePlatform {
   };
 
   FakePlatform* m_previous;
-  std::vector<std::pair<Family, std::string>> m_calls;
+  std::vector<std::string> m_calls;
   std::vector<Fault> m_faults;
   std::map<std::string, long> m_open;
 };
@@ -124,13 +119,9 @@ class PlatformTest : public testing::Test {
   PlatformTest();
   ~PlatformTest() override;
 
-  /// For a test of something that stays behind by design: what that is, as `FakePlatform::open` tells it.
-  void leaves(const std::string& what) { m_left = what; }
   /// What was printed since the last time it was asked for.
   std::string standardOutput() { return std::exchange(m_output, std::stringbuf()).str(); }
   std::string standardError() { return std::exchange(m_error, std::stringbuf()).str(); }
-  /// In a death test's process: lets both outputs arrive where the test looks for them.
-  void printOnRealError() const;
   /// The status that `action` ends the process with, or -1 when it comes back. What it had open stays so:
   /// for the inside of a death test, where a process for every case would take too long.
   static int exitStatusOf(const std::function<void()>& action);
@@ -138,7 +129,6 @@ class PlatformTest : public testing::Test {
   FakePlatform platform;
 
  private:
-  std::string m_left;
   std::stringbuf m_output, m_error;
   std::streambuf *m_realOutput, *m_realError;
 };

@@ -1,9 +1,7 @@
-#include <gmock/gmock.h>
-
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 
-#include "driver/mirel_driver_delivery.h"
 #include "driver/mirel_driver_run.h"
 #include "tests/unit/fake_platform.h"
 
@@ -11,10 +9,12 @@ using WholeRun = PlatformTest;
 
 namespace {
 
-using Arguments = std::vector<std::string>;
+namespace fs = std::filesystem;
+
+using Lines = std::vector<std::string>;
 
 template <class Action>
-auto with(Arguments arguments, Action action) {
+auto with(Lines arguments, Action action) {
   std::vector<char*> pointers = {const_cast<char*>("mirel")};
   for (std::string& argument : arguments)
     pointers.push_back(argument.data());
@@ -22,21 +22,21 @@ auto with(Arguments arguments, Action action) {
   return action(static_cast<int>(pointers.size()) - 1, pointers.data());
 }
 
-std::string contentsOf(const std::filesystem::path& file) {
+std::string contentsOf(const fs::path& file) {
   std::ifstream stream(file);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-Arguments linesOf(const std::filesystem::path& file) {
-  std::ifstream stream(file);
-  Arguments lines;
+Lines linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  Lines lines;
   for (std::string line; std::getline(stream, line);)
     lines.push_back(line);
   return lines;
 }
 
 /// "? statement" and the lines of its table, "$ command" and its output, "< path" and the file's content.
-void prepare(FakePlatform& platform, const Arguments& answers) {
+void prepare(FakePlatform& platform, const Lines& answers) {
   std::string* text = nullptr;
   FakePlatform::Table* table = nullptr;
   for (const std::string& line : answers) {
@@ -49,86 +49,75 @@ void prepare(FakePlatform& platform, const Arguments& answers) {
     } else if (text != nullptr) {
       *text += line + '\n';
     } else {
-      std::istringstream cells(line);
-      table->emplace_back();
-      for (std::string cell; std::getline(cells, cell, '|');)
-        table->back().push_back(cell == "NULL" ? null : cell);
+      table->push_back(FakePlatform::cells(line, '|'));
     }
   }
+}
+
+/// What is in one only, by the longest sequence of lines that both have: "-" the first, "+" the second.
+std::string difference(const Lines& first, const Lines& second) {
+  const std::size_t rows = first.size(), columns = second.size();
+  std::vector<std::vector<int>> alike(rows + 1, std::vector<int>(columns + 1));
+  for (std::size_t i = rows; i-- > 0;)
+    for (std::size_t j = columns; j-- > 0;)
+      alike[i][j] =
+          first[i] == second[j] ? alike[i + 1][j + 1] + 1 : std::max(alike[i + 1][j], alike[i][j + 1]);
+  std::string text;
+  for (std::size_t i = 0, j = 0; i < rows || j < columns;) {
+    if (i < rows && j < columns && first[i] == second[j]) {
+      ++i, ++j;
+    } else if (j == columns || (i < rows && alike[i + 1][j] >= alike[i][j + 1])) {
+      text += "- " + first[i++] + '\n';
+    } else {
+      text += "+ " + second[j++] + '\n';
+    }
+  }
+  return text;
+}
+
+/// A run as its folder prepares it, with `faults` such as "SQLFetch 2 -1 popen 1 -1": calls, nths, codes.
+std::map<std::string, std::string> runIn(const fs::path& folder, const std::string& faults) {
+  FakePlatform platform;
+  prepare(platform, linesOf(contentsOf(folder / "answers")));
+  for (const char* response : {"response-1", "response-2"})
+    platform.responses.push_back({contentsOf(folder / response)});
+  std::istringstream stream(faults);
+  std::string call;
+  for (long nth, code; stream >> std::quoted(call) >> nth >> code;)
+    platform.fail(call, nth, code);
+  EXPECT_EQ(0, with(linesOf(contentsOf(folder / "arguments")), run));
+  EXPECT_EQ("", platform.open()) << folder << ' ' << faults;
+  std::string sent;
+  for (const std::string& request : platform.sent)
+    sent += request;
+  return {{"calls", platform.calls()}, {"sent", sent}, {"written", platform.files["/o"]}};
 }
 
 }  // namespace
 
-TEST_F(WholeRun, EndsSilentlyUnlessAskedForSupport) {
-  const std::pair<Arguments, const char*> rows[] = {
-      {{}, ""},
-      {{"-d", "SAMPLE", "-o", "/f", "-s", "-h", "h", "-e", "e"}, ""},
-      {{"--bogus", "-x", "-d", "X"}, "unknown argument: --bogus\nunknown argument: -x\n"},
-      {{"-d"}, "unknown argument: -d\n"},
-  };
-  for (const auto& [arguments, output] : rows) {
-    platform.forgetCalls();
-    EXPECT_EQ(0, with(arguments, run));
-    EXPECT_EQ(output, standardOutput());
-    EXPECT_EQ(platform.count("sqlogopt(\"d:o:sh:p:ze:n:c:i:r:t:a:\")") + 2,
-              platform.count("") - platform.count("_oss"));
-  }
-}
-
-TEST_F(WholeRun, SendModeWithoutAServerEndsWithTheReadersReport) {
-  platform.fail("sqloPdbTcpIpResolveHostName", 0);
-  EXPECT_EXIT((printOnRealError(), with({"-z", "-s"}, run)), testing::ExitedWithCode(255),
-              testing::Eq("Downloading tarnconfig.json from ...\nfailed to get hostname\nDone.\n"
-                          "Expecting one of: (\"{\", \"[\"); Actual: string \"\" on line 1 column 1\n"));
-}
-
-TEST_F(WholeRun, ResultFileHoldsExactlyTheText) {
-  const std::string open = "open(stamp, \"/f\", 16, 2, 1, 420, 0)\n";
-  const std::string write = "write(stamp, \"{}\", 2, 0)\n";
-  const struct {
-    const char *failing, *output, *file;
-    std::string calls;
-  } rows[] = {
-      {"nothing", "{}\n\nWritten to file: /f\n", "{}", open + write + "sync()\nclose()\n"},
-      {"open", "{}\n\nThere was an error writing to file.\n", "old", open},
-      // A write that fails is told by nobody: what counts is how the file was closed.
-      {"write", "{}\n\nWritten to file: /f\n", "", open + write + "close()\n"},
-      {"sync", "{}\n\nWritten to file: /f\n", "{}", open + write + "sync()\nclose()\n"},
-      {"close", "{}\n\nThere was an error writing to file.\n", "{}", open + write + "sync()\nclose()\n"},
-  };
-  for (const auto& [failing, output, file, calls] : rows) {
-    platform.files["/f"] = "old";
-    platform.heal();
-    platform.forgetCalls();
-    platform.fail(failing);
-    writeResult("{}", false, "", 0, true, "/f");
-    EXPECT_EQ(output, standardOutput()) << failing;
-    EXPECT_EQ(file, platform.files["/f"]) << failing;
-    EXPECT_EQ(calls, platform.calls(FakePlatform::file)) << failing;
-  }
-  writeResult("{}", false, "", 0, false, "/f");
-  EXPECT_EQ("\nWritten to file: /f\n", standardOutput());
-}
-
-// Golden runs: each folder holds the arguments, what the platform answers, and what has to come of it: the
-// standard output, the calls in order, the bytes sent. MIREL_UPDATE_GOLDEN=1 writes the latter three anew;
-// look at the difference before you keep it.
+// Golden runs: each folder holds the arguments, what the platform answers, and what has to come of it: both
+// outputs, the calls in order, the bytes sent and written; and for each line of "faults" what it changes in
+// them. MIREL_UPDATE_GOLDEN=1 writes the results anew; look at the difference before you keep it.
 TEST_F(WholeRun, EndsLikeTheGoldenOnes) {
-  for (const auto& folder : std::filesystem::directory_iterator(MIREL_GOLDEN)) {
-    FakePlatform prepared;
-    prepare(prepared, linesOf(folder.path() / "answers"));
-    for (const char* response : {"response-1", "response-2"})
-      prepared.responses.push_back({contentsOf(folder.path() / response)});
-    EXPECT_EQ(0, with(linesOf(folder.path() / "arguments"), run));
-    std::map<const char*, std::string> results = {{"calls", prepared.calls(FakePlatform::every)}};
-    results["output"] = standardOutput();
-    for (const std::string& request : prepared.sent)
-      results["sent"] += request;
-    for (const auto& [file, text] : results) {
-      if (getenv("MIREL_UPDATE_GOLDEN") != nullptr)
-        std::ofstream(folder.path() / file) << text;
-      EXPECT_EQ(contentsOf(folder.path() / file), text) << folder.path() / file;
+  for (const auto& entry : fs::directory_iterator(MIREL_UNIT "/golden")) {
+    const fs::path& folder = entry.path();
+    const auto results = [&](const std::string& faults) {
+      auto texts = runIn(folder, faults);
+      texts["output"] = standardOutput();
+      texts["errors"] = standardError();
+      return texts;
+    };
+    auto expected = results("");
+    const auto undisturbed = expected;
+    for (const std::string& faults : linesOf(contentsOf(folder / "faults"))) {
+      expected["failures"] += "--- " + faults + '\n';
+      for (const auto& [file, text] : results(faults))
+        expected["failures"] += difference(linesOf(undisturbed.at(file)), linesOf(text));
     }
-    EXPECT_EQ("", prepared.open() + standardError()) << folder.path();
+    for (const auto& [file, text] : expected) {
+      if (getenv("MIREL_UPDATE_GOLDEN") != nullptr && !text.empty())
+        std::ofstream(folder / file) << text;
+      EXPECT_EQ(contentsOf(folder / file), text) << folder / file;
+    }
   }
 }

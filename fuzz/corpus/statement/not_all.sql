@@ -1,0 +1,1 @@
+select 1 /* /* */ from (table(f(1)) join table(g(2))), table(select (1)), table((h()))

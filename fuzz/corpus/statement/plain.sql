@@ -1,0 +1,1 @@
+select * from table(db_get_cfg(-2)) where name like '%hadr%'

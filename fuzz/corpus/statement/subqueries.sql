@@ -1,0 +1,1 @@
+select count(*) from (select distinct a from b) where 1 = 1 and c in (select 1 from d, ((values (3)) cross join e) join (select 2) f)

@@ -1,0 +1,1 @@
+select a from (select 1)where 1

@@ -1,0 +1,91 @@
+"""Hosts on which something is broken: the run ends well, and the document says what there was to say."""
+import os
+import subprocess
+from pathlib import Path
+
+import pytest
+from conftest import BUILD, members
+from test_faults import keys
+
+RELEASE = Path(os.environ.get("MIREL_RELEASE_DIR", BUILD))  # sanitizers do not bear limits
+BYTES = bytes(range(256))
+
+
+@pytest.fixture
+def host(tmp_path):
+    """An instance whose commands are these shell texts; runs something there and gives what it printed."""
+    def run(*command, environment=None, **commands):
+        (tmp_path / "bin").mkdir(exist_ok=True)
+        for name in ("kato", "katolevel", "katoset", "ifconfig"):
+            (tmp_path / "bin" / name).write_text(f"#!/bin/sh\n{commands.get(name, '')}\n")
+            (tmp_path / "bin" / name).chmod(0o755)
+        variables = {"PATH": f"{tmp_path}/bin:/usr/bin:/bin", **(environment or {})}
+        result = subprocess.run(command, cwd=tmp_path, env=variables, capture_output=True, timeout=60, check=True)
+        return result.stdout.decode(errors="surrogateescape"), result.stderr.decode()
+    return run
+
+
+def facts(document):
+    return {key: value for group in members(document)[2:] for key, value in group[1]}
+
+
+def test_commands_that_misbehave(host, tmp_path):
+    (tmp_path / "bytes").write_bytes(BYTES)
+    printed, _ = host(BUILD / "mirel", "-z", katolevel="cat bytes", katoset="echo half; kill -SEGV $$",
+                      kato="kill -9 $$", ifconfig="exec >&-; sleep 0.1")
+    # A NUL byte costs the rest of its line.
+    assert [facts(printed)[name] for name in ("versionRaw", "environmentVarsRaw", "numberOfDatabasesRaw", "networkInfoRaw")] \
+        == [BYTES[11:].decode(errors="surrogateescape"), "half\n", "", ""]
+
+
+@pytest.mark.parametrize("megabytes, whole", [(900, True), (450, False), (150, False), (20, False)])
+def test_endless_output_costs_the_document_only_where_memory_is_short(host, tmp_path, megabytes, whole):
+    printed, errors = host("prlimit", f"--as={megabytes}000000", RELEASE / "mirel", "-z", "-o", "out",
+                           katolevel="head -c 200000000 /dev/zero | tr '\\0' x")
+    assert errors == ("" if whole else "out of memory\n")
+    assert ("x" * 200_000_000 in printed) == (tmp_path / "out").exists() == bool(printed) == whole
+
+
+@pytest.mark.parametrize("make", ["true", "mkdir", "mkfifo", "truncate -s 4T", "ln -s /dev/zero", "ln -s /proc/self/mem"])
+def test_files_that_cannot_be_read(host, make):
+    host("sh", "-c", make + " katonodes.cfg")
+    printed, errors = host("prlimit", "--as=1000000000", RELEASE / "mirel", "-z")
+    assert (facts(printed)["nodesRaw"], errors) == ("", "")
+
+
+# No locale is ever set: letter case is that of ASCII wherever the host stands.
+@pytest.mark.parametrize("variable", ["HOME=", "HOME=" + "/h" * 50_000, "LC_ALL=tr_TR.UTF-8", "-uPATH", "PATH="])
+def test_environment(host, variable):
+    expected, _ = host(BUILD / "mirel", "-z")
+    printed, errors = host("env", variable, BUILD / "mirel", "-z")
+    assert keys(printed) == keys(expected)
+    assert errors == "" or "PATH" in variable
+
+
+def test_long_option_values(host):
+    value = "\\\"" * 5000
+    printed, errors = host(BUILD / "mirel", "-z", *(f"-{letter}{value}" for letter in "dohpencirta"))
+    document, end = printed.rsplit("\n\n", 1)
+    assert end == "There was an error writing to file.\n" and errors.startswith("Trying to run: Connect\n")
+    assert [fact for _, fact in members(document)[5][1]] == [value] * 6 + ["null"] * 2
+
+
+@pytest.mark.parametrize("files", [4, 5, 6])
+def test_no_file_descriptors_left(host, tmp_path, files):
+    expected, _ = host(BUILD / "mirel", "-z")
+    printed, _ = host("prlimit", f"--nofile={files}", RELEASE / "mirel", "-z", "-o", "out")
+    document = (tmp_path / "out").read_text()
+    assert (printed, keys(document)) == (f"{document}\n\nWritten to file: out\n", keys(expected))
+
+
+@pytest.mark.skipif(os.geteuid() != 0, reason="mounts file systems")
+@pytest.mark.parametrize("mount, end", [
+    ("--bind . . && mount -o remount,bind,ro . && mount -o remount,bind,ro /", "There was an error writing to file.\n0\n"),
+    # What a write comes to is not told; the file ends in the middle.
+    ("-t tmpfs -o size=4k none .", "Written to file: out\n4096\n"),
+])
+def test_file_systems_that_take_nothing_more(host, mount, end):
+    printed, _ = host("unshare", "--mount", "sh", "-c",
+                      f"mount {mount} && cd $PWD && {BUILD}/mirel -z -a {'x' * 5000} -o out; cat out | wc -c")
+    document, told = printed.rsplit("\n\n", 1)
+    assert (told, facts(document)["address"]) == (end, "x" * 5000)

@@ -1,0 +1,189 @@
+// Two whole runs of the default template, with a database: one that prints and writes a file, one that sends.
+// Each is repeated with every allocation, and every call of the platform, failing in turn. The build points
+// the core's allocations, and nobody else's, to the functions below.
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <unordered_set>
+
+#include "driver/mirel_driver_run.h"
+#include "generator/mirel_generator_template.h"
+#include "tests/unit/fake_platform.h"
+
+namespace {
+
+long s_allocations;                          ///< of this run
+long s_firstFailing = 1, s_lastFailing = 0;  ///< of them, counted from 1
+/// Allocated and not released. A run that exits leaves its blocks here for good.
+std::unordered_set<void*>& s_blocks = *new std::unordered_set<void*>;
+
+bool refuses() {
+  ++s_allocations;
+  return s_firstFailing <= s_allocations && s_allocations <= s_lastFailing;
+}
+
+bool isText(const char* file) {
+  return std::strcmp(file, "mirel_string") == 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+void* tortured_new(std::size_t size) {
+  if (refuses())
+    throw std::bad_alloc();
+  return *s_blocks.insert(::operator new(size)).first;
+}
+
+void tortured_delete(void* object) {
+  s_blocks.erase(object);
+  ::operator delete(object);
+}
+
+void tortured_sized_delete(void* object, std::size_t) {
+  tortured_delete(object);
+}
+
+// The one block that is no text holds a file. Its failing has a documented result, as that of other calls.
+int tortured_alloc(void** block, void* pool, unsigned long size, unsigned int flags, const char* file,
+                   unsigned int line) {
+  if (!isText(file))
+    return _ossMemAlloc(block, pool, size, flags, file, line);
+  *block = refuses() ? nullptr : *s_blocks.insert(std::calloc(1, size)).first;
+  return *block == nullptr ? -1 : 0;
+}
+
+int tortured_free(void** block, unsigned long reserved1, unsigned long reserved2, const char* file,
+                  unsigned int line) {
+  if (!isText(file))
+    return _ossMemFree(block, reserved1, reserved2, file, line);
+  s_blocks.erase(*block);
+  std::free(std::exchange(*block, nullptr));
+  return 0;
+}
+
+}  // extern "C"
+
+namespace {
+
+/// What a document owes whatever fails: its keys and brackets, but for the rows of queries, each in its
+/// place.
+std::string skeleton(const std::string& document) {
+  std::istringstream lines(document);
+  std::string result;
+  std::size_t depth = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t begin = line.find_first_not_of(' ');
+    if (begin == std::string::npos)
+      continue;
+    depth -= line[begin] == '}' || line[begin] == ']';
+    result += begin == 2 * depth ? "" : "misplaced: ";
+    result += depth > 3 ? "" : line.substr(0, line.find(": ")) + '\n';
+    depth += line.ends_with('{') || line.ends_with('[');
+  }
+  return result;
+}
+
+class Torture : public PlatformTest, public testing::WithParamInterface<bool> {
+ protected:
+  struct Outcome {
+    int status;            ///< -1: the run came back
+    std::string document;  ///< printed and written, or posted
+    std::string errors;
+    long calls;  ///< of the platform
+  };
+
+  const bool sending = GetParam();
+
+  /// A run in which the `nth` call that begins like this fails. It must leave nothing behind, and no half.
+  Outcome outcome(const char* call = "", long nth = -1) {
+    FakePlatform fake;
+    prepare(fake);
+    fake.fail(call, nth);
+    s_allocations = 0;
+    const std::size_t blocks = s_blocks.size();
+    const char* arguments[] = {"mirel", "-s", "-z", "-d", "sample", "-h", "server", "-o", "/f"};
+    const auto start = [&] { EXPECT_EQ(0, run(sending ? 9 : 8, const_cast<char**>(arguments) + !sending)); };
+    Outcome result = {exitStatusOf(start), standardOutput(), standardError(), fake.count("")};
+    const std::string text = sending ? fake.sent.size() < 2 ? "" : fake.sent[1] : result.document;
+    const std::size_t begin = std::min(text.size(), text.find('{'));
+    result.document = text.substr(begin, text.rfind('}') + 1 - begin);
+    const std::string length = "Content-Length: " + std::to_string(result.document.size()) + "\r\n\r\n";
+    // A request that falls short of what it announces is told apart by any server.
+    if (sending && !text.ends_with(length + result.document))
+      result.document = "";
+    if (result.status == -1) {
+      EXPECT_EQ("", fake.open() + (s_blocks.size() == blocks ? "" : "blocks"))
+          << nth << ' ' << s_firstFailing;
+    }
+    EXPECT_TRUE(fake.files["/f"].empty() || fake.files["/f"] == result.document) << nth;
+    return result;
+  }
+
+ private:
+  /// Answers for every query of the default template, and the exchange with the server.
+  void prepare(FakePlatform& fake) {
+    const std::string text = kDefaultTemplate;
+    for (std::size_t at = text.find("\"sql "); at != std::string::npos; at = text.find("\"sql ", at + 1)) {
+      std::istringstream command(text.substr(at + 5, text.find('"', at + 1) - at - 5));
+      std::string kind, column, query;
+      command >> kind >> column;
+      std::getline(kind == "value" ? command >> std::ws : command, query);
+      for (char& character : column)
+        character = static_cast<char>(std::toupper(character));
+      if (kind == "value")
+        fake.answer(query, {{column}, {"17"}});
+      else
+        fake.answer("select" + query, {{"A", "B"}, {"1", "b c"}, {"2", "\"\\"}});
+    }
+    fake.answer("one", {{"A"}, {"1"}});
+    fake.commands["katolevel"] = "\"1\"\n2\n";
+    fake.files["/opt/kato/katonodes.cfg"] = "0 node1 0\n";
+    fake.responses = {{"HTTP/1.1 200 OK\r\n\r\n" + text.substr(0, text.size() - 1) +
+                       ", \"a\": {\"b\": {\"c\": \"sql one one\"}}}"},
+                      {"HTTP/1.1 201 Created\r\n\r\nthanks"}};
+  }
+};
+
+// What was lost may have been anything: the document arrives as it should be, or not at all.
+TEST_P(Torture, EveryAllocationFails) {
+  const Outcome faultless = outcome();
+  const long allocations = s_allocations;
+  long runs = 0;
+  for (const bool forGood : {false, true})
+    for (s_firstFailing = 1; s_firstFailing <= allocations; s_firstFailing += forGood ? 7 : 1, ++runs) {
+      s_lastFailing = forGood ? allocations : s_firstFailing;
+      const Outcome result = outcome();
+      EXPECT_EQ(-1, result.status) << s_firstFailing;
+      EXPECT_TRUE(result.document.empty() || result.document == faultless.document) << s_firstFailing;
+      EXPECT_TRUE(result.errors.ends_with("out of memory\n")) << s_firstFailing << result.errors;
+    }
+  s_lastFailing = 0;
+  EXPECT_LT(2000, runs);
+  std::fprintf(stderr, "Torture: %ld runs passed\n", runs);
+}
+
+// A call that fails costs what it would have told; few of them cost the document.
+TEST_P(Torture, EveryCallFails) {
+  const Outcome faultless = outcome();
+  const std::string whole = skeleton(faultless.document);
+  const std::string unconnected = skeleton(outcome("SQLConnect", 1).document);
+  long undelivered = 0;
+  for (long call = 1; call <= faultless.calls; ++call) {
+    const Outcome result = outcome("", call);
+    const std::string found = skeleton(result.document);
+    EXPECT_TRUE(found == whole || found == unconnected || found.empty()) << call << result.document;
+    EXPECT_TRUE(result.status == -1 || found.empty()) << call;
+    undelivered += found.empty();
+  }
+  EXPECT_GT(50, undelivered);
+  std::fprintf(stderr, "Torture: %ld runs passed\n", faultless.calls);
+}
+
+INSTANTIATE_TEST_SUITE_P(, Torture, testing::Bool(),
+                         [](const auto& row) { return row.param ? "Sending" : "Printing"; });
+
+}  // namespace
