@@ -7,7 +7,7 @@ install(FILES deploy/completion/mirel DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-
 
 # The catalogs: a module that SQLite loads, a script for PostgreSQL.
 if(TARGET mirel_catalog_sqlite)
-  install(TARGETS mirel_catalog_sqlite LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/mirel)
+  install(TARGETS mirel_catalog_sqlite LIBRARY DESTINATION lib/mirel)
 endif()
 install(DIRECTORY catalog/postgresql DESTINATION ${CMAKE_INSTALL_DATADIR}/mirel)
 

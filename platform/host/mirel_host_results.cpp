@@ -86,7 +86,6 @@ SQLRETURN SQLGetData(SQLHANDLE handle, unsigned short column, short targetType, 
   }
   *indicator = 0;
   const SQLRETURN code = odbc().getData(statement->native, column, targetType, target, targetSize, indicator);
-  return isText && sqlSucceeded(code)
-             ? finishText(code, static_cast<char*>(target), targetSize, indicator)
-             : code;
+  return isText && sqlSucceeded(code) ? finishText(code, static_cast<char*>(target), targetSize, indicator)
+                                      : code;
 }
