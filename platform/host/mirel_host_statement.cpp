@@ -165,7 +165,9 @@ void Adapter::name(const Token& next) {
                                          !isOneOf(kBehindTables, textOf(next)));
   if (m_nameless != 0 && !named) {
     m_edits.push_back({m_nameless, m_nameless, true, " as mirel_" + std::to_string(++m_names)});
-    if (next.kind == Token::Kind::word && next.begin == m_nameless) {
+    const bool mayJoin = next.kind != Token::Kind::end &&
+                         std::string_view("),;").find(m_text[next.begin]) == std::string_view::npos;
+    if (mayJoin && next.begin == m_nameless) {
       m_edits.back().text += ' ';
     }
   }

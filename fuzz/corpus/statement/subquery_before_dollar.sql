@@ -1,0 +1,1 @@
+select 1 from (select 1)$1, (select 2)e'x', (select 3)$$a$$
