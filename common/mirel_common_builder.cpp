@@ -32,19 +32,25 @@ bool mirel_string_builder::grow(unsigned long more) {
   }
   const unsigned long room = std::max({kSmallest, m_length + more, m_room * 2});
   char* block = more > mirel_string::npos / 4 ? nullptr : allocateText(room + kTail, 0, 315);
-  if (block != nullptr && m_length > 0) {
-    memcpy(block, m_block, m_length);
+  if (block == nullptr) {
+    fail();
+    return false;
   }
   if (m_block != nullptr) {
+    memcpy(block, m_block, m_length);
     releaseText(m_block);
   }
   m_block = block;
   m_room = room;
-  if (block == nullptr) {
-    m_failed = true;
-    m_length = m_room = 0;
+  return true;
+}
+
+void mirel_string_builder::fail() {
+  if (m_block != nullptr) {
+    releaseText(m_block);
   }
-  return !m_failed;
+  m_length = m_room = 0;
+  m_failed = memoryRanOut = true;
 }
 
 mirel_string mirel_string_builder::take() {

@@ -33,6 +33,8 @@ class mirel_string_builder {
 
   unsigned long length() const { return m_length; }
   bool failed() const { return m_failed; }
+  /// Gives the text up, as a failed allocation does.
+  void fail();
 
   /// The text so far; the builder is empty afterwards.
   mirel_string take();

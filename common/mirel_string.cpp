@@ -14,6 +14,8 @@ namespace {
 constexpr unsigned long kTail = 3;
 /// What the decimal form of any number fits into.
 constexpr unsigned long kNumberSize = 38;
+/// Occurrences that overlap multiply a text; beyond this many bytes it counts as one too large for memory.
+constexpr unsigned long kLargestMultiplied = 1UL << 30;
 
 /// strncpy with a guaranteed terminator: copies up to `size` - 1 characters and NUL-pads the rest.
 void copyBounded(char* dest, const char* source, unsigned long size) {
@@ -178,6 +180,9 @@ mirel_string mirel_string::replace_all(const mirel_string& pattern, const mirel_
     const unsigned long upTo = next == npos || next < end ? m_length : next;
     result.append(replacement);
     result.append(m_buffer + end, upTo - end);
+    if (next != npos && next < end && result.length() > kLargestMultiplied) {
+      result.fail();
+    }
     hit = next;
   }
   return result.take();

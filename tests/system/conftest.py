@@ -60,7 +60,7 @@ def server(*answers, whole=True):
         listener.close()
 
     with socket.create_server(("127.0.0.1", 0)) as listener:
-        thread = threading.Thread(target=serve)
+        thread = threading.Thread(target=serve, daemon=True)
         thread.start()
         yield listener.getsockname()[1], requests
         thread.join()

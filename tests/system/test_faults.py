@@ -17,7 +17,7 @@ NETWORK = {"socket": [EMFILE], "connect": [EINTR, ECONNRESET], "send": [EINTR, E
 
 
 @pytest.fixture
-def torture(mirel, tmp_path):
+def torture(mirel, tmp_path, capsys):
     """Yields what failed, whether nobody may notice, and how the run ended, until no call is left to fail."""
     def runs(faults, *arguments):
         passed = 0
@@ -32,7 +32,8 @@ def torture(mirel, tmp_path):
                 (tmp_path / "hit").unlink()
                 yield fault, error in UNNOTICED, result
                 passed += 1
-        print(f"Faults: {passed} runs passed")
+        with capsys.disabled():
+            print(f"\nFaults: {passed} runs passed")
         assert passed > 50
     return runs
 

@@ -110,3 +110,17 @@ TEST_F(Objects, DatabaseNameIsCutToTheDirectoryEntry) {
   root->accept(generator);
   EXPECT_EQ(R"({"x": [{"n": ")" + std::string(255, 'N') + R"("}]})", compact(root.get()));
 }
+
+TEST_F(Objects, DirectoryScanGoesFromEntryToEntry) {
+  DbDirectoryScan scan;
+  scan.open();
+  EXPECT_EQ(1, scan.numberDbs());
+  EXPECT_EQ(&platform.directoryEntry, scan.next());
+  platform.fail("katoDbDirGetNextEntry");
+  EXPECT_EQ(nullptr, scan.next());
+  EXPECT_EQ(0, scan.close());
+  EXPECT_EQ(2, platform.count("katoDbDirGetNextEntry(9000000, 5)"));
+  platform.fail("katoDbDirOpenScan");
+  scan.open();
+  EXPECT_EQ(0, scan.numberDbs());
+}
