@@ -1,4 +1,4 @@
-/// Posting a document, against a bare loop of 1,024-byte sends to the same server.
+/// Posting a document, against a bare loop of 1,024-byte sends to the same server; collecting a response.
 
 #include <arpa/inet.h>
 #include <benchmark/benchmark.h>
@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "http/mirel_http_client.h"
 
@@ -16,10 +17,11 @@ namespace {
 
 constexpr char kReceipt[] = "HTTP/1.1 201 Created\r\nContent-Length: 0\r\n\r\n";
 
-/// Takes connections one after the other, reads `expected` bytes of body from each and answers.
+/// Takes connections one after the other, reads `expected` bytes of body from each and sends the answer.
 class Sink {
  public:
-  explicit Sink(unsigned long expected) : m_expected(expected), m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
+  explicit Sink(unsigned long expected, std::string answer = kReceipt)
+      : m_expected(expected), m_answer(std::move(answer)), m_listener(socket(AF_INET, SOCK_STREAM, 0)) {
     socklen_t length = sizeof m_address;
     m_address.sin_family = AF_INET;
     m_address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -45,7 +47,7 @@ class Sink {
     for (int peer = accept(m_listener, nullptr, nullptr); peer >= 0;
          peer = accept(m_listener, nullptr, nullptr)) {
       drain(peer);
-      send(peer, kReceipt, strlen(kReceipt), MSG_NOSIGNAL);
+      send(peer, m_answer.data(), m_answer.size(), MSG_NOSIGNAL);
       close(peer);
     }
   }
@@ -61,6 +63,7 @@ class Sink {
   }
 
   const unsigned long m_expected;
+  const std::string m_answer;
   const int m_listener;
   sockaddr_in m_address = {};
   std::thread m_thread;
@@ -103,7 +106,23 @@ void bareSends(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
+void get(benchmark::State& state) {
+  const std::string length = std::to_string(state.range(0));
+  Sink sink(0, "HTTP/1.1 200 OK\r\nContent-Length: " + length + "\r\n\r\n" +
+                   std::string(static_cast<unsigned long>(state.range(0)), 'x'));
+  HttpClient client("127.0.0.1", sink.port());
+  for (auto round : state) {
+    if (client.get("/config").length() != static_cast<unsigned long>(state.range(0))) {
+      state.SkipWithError("the response is not whole");
+      break;
+    }
+  }
+  state.SetBytesProcessed(state.iterations() * state.range(0));
+  state.SetComplexityN(state.range(0));
+}
+
 }  // namespace
 
 BENCHMARK(bareSends)->Arg(10'000)->Arg(1'000'000)->Arg(50'000'000)->UseRealTime()->Complexity(benchmark::oN);
 BENCHMARK(post)->Arg(10'000)->Arg(1'000'000)->Arg(50'000'000)->UseRealTime()->Complexity(benchmark::oN);
+BENCHMARK(get)->Arg(10'000)->Arg(1'000'000)->Arg(50'000'000)->UseRealTime()->Complexity(benchmark::oN);

@@ -25,7 +25,7 @@ void setCustomer(CustomerCollector* customer, const RunSettings& from) {
 void collect(const RunSettings& settings, CustomerCollector* customer, JsonParser* parser,
              Generator* generator) {
   setCustomer(customer, settings);
-  std::unique_ptr<Value> root;
+  std::unique_ptr<Value> root;  // goes after the socket layer has ended
   std::optional<SocketLayer> sockets;
   if (settings.send) {
     sockets.emplace();
