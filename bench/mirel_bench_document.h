@@ -2,14 +2,16 @@
 
 #include <string>
 
-/// A document of about `size` bytes in the shape of our own output: rows of eight short columns.
+/// A document of about `size` bytes as the collector writes it: an array of rows of eight short columns.
 inline std::string document(long size) {
   const std::string row =
-      R"({"TABSCHEMA": "SYSCAT", "TABNAME": "TABLES", "TYPE": "V", "STATUS": "N", "COLCOUNT": "72", )"
-      R"("CARD": "-1", "NPAGES": "-1", "STATS_TIME": "2026-11-21-02.44.01"})";
-  std::string text = R"({"rows": [)" + row;
+      "    {\n      \"TABSCHEMA\": \"SYSCAT\",\n      \"TABNAME\": \"TABLES\",\n      \"TYPE\": \"V\",\n"
+      "      \"STATUS\": \"N\",\n      \"COLCOUNT\": \"72\",\n      \"CARD\": \"-1\",\n      \"NPAGES\": "
+      "\"-1\",\n"
+      "      \"STATS_TIME\": \"2026-11-21-02.44.01\"\n    }";
+  std::string text = "{\n  \"rows\": [\n" + row;
   while (text.size() + row.size() < static_cast<unsigned long>(size)) {
-    text += ", " + row;
+    text += ",\n" + row;
   }
-  return text + "]}";
+  return text + "\n  ]\n}";
 }

@@ -26,12 +26,25 @@ void mirel_string_builder::append(unsigned long count, char character) {
   m_length += count;
 }
 
+void mirel_string_builder::endMeasuring() {
+  m_measuring = false;
+  resize(m_length + m_measured);
+}
+
 bool mirel_string_builder::grow(unsigned long more) {
-  if (m_failed) {
+  if (m_measuring) {
+    m_measured += more;
     return false;
   }
-  const unsigned long room = std::max({kSmallest, m_length + more, m_room * 2});
-  char* block = more > mirel_string::npos / 4 ? nullptr : allocateText(room + kTail, 0, 315);
+  if (m_failed || more > mirel_string::npos / 4) {
+    fail();
+    return false;
+  }
+  return resize(std::max({kSmallest, m_length + more, m_room * 2}));
+}
+
+bool mirel_string_builder::resize(unsigned long room) {
+  char* block = allocateText(room + kTail, 0, 315);
   if (block == nullptr) {
     fail();
     return false;

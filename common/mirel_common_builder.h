@@ -27,9 +27,22 @@ class mirel_string_builder {
   void append(const mirel_string& text) { append(text.c_str(), text.length()); }
   void append(char character) { append(&character, 1); }
   void append(unsigned long count, char character);
+  /// Appends `count` characters that the caller fills in; it may take some of them back. Null when there is
+  /// nothing to fill in: while measuring, or once an allocation has failed.
+  char* extend(unsigned long count) {
+    if (!reserve(count)) {
+      return nullptr;
+    }
+    m_length += count;
+    return m_block + m_length - count;
+  }
 
   /// Takes the last `count` characters back, at most all.
   void removeLast(unsigned long count) { m_length -= count < m_length ? count : m_length; }
+
+  /// Until `endMeasuring`, what is appended is only counted; then there is room for that much.
+  void startMeasuring() { m_measuring = true; }
+  void endMeasuring();
 
   unsigned long length() const { return m_length; }
   bool failed() const { return m_failed; }
@@ -40,12 +53,15 @@ class mirel_string_builder {
   mirel_string take();
 
  private:
-  /// Makes room for `more` characters; false once an allocation has failed.
+  /// Makes room for `more` characters; false while measuring, or once an allocation has failed.
   bool reserve(unsigned long more) { return more <= m_room - m_length || grow(more); }
   bool grow(unsigned long more);
+  bool resize(unsigned long room);
 
   char* m_block = nullptr;
   unsigned long m_length = 0;
   unsigned long m_room = 0;  ///< characters that fit, the terminating NULs apart
+  unsigned long m_measured = 0;
+  bool m_measuring = false;
   bool m_failed = false;
 };

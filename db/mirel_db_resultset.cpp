@@ -3,7 +3,9 @@
 #include <cstring>
 #include <utility>
 
+#include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
+#include "json/mirel_json_writer.h"
 
 namespace {
 
@@ -66,9 +68,18 @@ bool ResultSet::readColumn(unsigned short column) {
   if (static_cast<int>(indicator) == SQL_NULL_DATA) {
     memcpy(buffer, "NULL", sizeof "NULL");
   }
-  m_values.insert(m_values.end(), buffer, buffer + firstWord(buffer));
-  m_values.push_back(' ');
+  appendValue(buffer, firstWord(buffer));
   return true;
+}
+
+void ResultSet::appendValue(const char* value, unsigned long length) {
+  if (endOfPlain(value, value + length) == value + length) {
+    m_values.insert(m_values.end(), value, value + length);
+  } else {
+    const mirel_string escaped = escapeJson(mirel_string(value, length));
+    m_values.insert(m_values.end(), escaped.c_str(), escaped.c_str() + escaped.length());
+  }
+  m_values.push_back('\n');
 }
 
 /// Rows whose columns could all be read share their columns' names.

@@ -31,6 +31,7 @@ class ResultSet {
 
  private:
   bool readColumn(unsigned short column);
+  void appendValue(const char* value, unsigned long length);
   ObjectValue* rowOfPresent() const;
 
   short m_cols = 0;
@@ -39,6 +40,6 @@ class ResultSet {
   SQLHANDLE m_stmt;
   std::shared_ptr<const RowColumns> m_columns;  ///< the columns' names
   std::vector<unsigned int> m_sizes;
-  std::vector<char> m_values;             ///< of the current row, a blank behind each
+  std::vector<char> m_values;             ///< of the current row, escaped, a line feed behind each
   std::vector<unsigned short> m_present;  ///< the columns, counted from 1, that these values belong to
 };

@@ -4,8 +4,8 @@
 #include <iostream>
 #include <utility>
 
+#include "json/mirel_json_row_reader.h"
 #include "json/mirel_json_value.h"
-#include "json/mirel_json_writer.h"
 
 namespace {
 
@@ -18,25 +18,22 @@ const char* nameOf(JsonTokenType type) {
   return TokenStrings[static_cast<int>(type)];
 }
 
-bool isBlank(char character) {
-  return character == ' ' || character == '\n' || character == '\r' || character == '\t';
+/// Reads objects like the value; null when it is none.
+std::unique_ptr<RowReader> rowsLike(const Value* value) {
+  const auto* object = dynamic_cast<const ObjectValue*>(value);
+  return object == nullptr ? nullptr : std::make_unique<RowReader>(*object);
 }
 
 }  // namespace
 
-mirel_string Token::text() const {
-  mirel_string result(contents, contentsLength);
-  return escaped ? reverseEscape(result) : result;
-}
-
 JsonParser::JsonParser() : m_formerText(""), m_input("") {}
 
 Value* JsonParser::parse(mirel_string text) {
-  m_formerText = m_token.text();
-  m_token = {m_token.type, m_token.length, m_formerText.c_str(), m_formerText.length(), false};
+  m_formerText = m_token.string.text();
+  m_token.string = {m_formerText.c_str(), m_formerText.length()};
   m_input = std::move(text);
   m_line = 1;
-  m_column = m_position = m_depth = 0;
+  m_lineBegin = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
 
   std::unique_ptr<Value> root;
@@ -75,10 +72,14 @@ bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
     --m_depth;
     return true;
   }
+  std::unique_ptr<RowReader> rows;  // from the second element on, when the first is an object
   bool more = true;
   do {
+    if (array->size() == 1) {
+      rows = rowsLike((*array)[0]);
+    }
     std::unique_ptr<Value> element;
-    more = parseValue(&element);
+    more = parseRow(rows.get(), &element) || parseValue(&element);
     array->push_back(element.release());
   } while (more && nextTokenIs(comma) && consume());
   return close(closeBracket);
@@ -86,7 +87,7 @@ bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
 
 bool JsonParser::parsePair(std::unique_ptr<KeyValuePair>* out) {
   expect(string);
-  mirel_string key = m_token.text();
+  mirel_string key = m_token.string.text();
   expect(colon);
   std::unique_ptr<Value> value;
   const bool more = parseValue(&value);
@@ -105,7 +106,23 @@ bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
     fail({openBrace, openBracket, string});
   }
   consume();
-  *out = std::make_unique<PrimitiveValue>(m_token.text());
+  *out = std::make_unique<PrimitiveValue>(m_token.string.text());
+  return true;
+}
+
+bool JsonParser::parseRow(RowReader* reader, std::unique_ptr<Value>* out) {
+  const char* const text = m_input.c_str();
+  if (reader == nullptr || m_depth == kDeepest || !nextTokenIs(openBrace) ||
+      !reader->read(text + m_position, text + m_input.length())) {
+    return false;
+  }
+  *out = std::make_unique<ObjectValue>(reader->row());
+  if (reader->lines() > 0) {
+    m_line += reader->lines();
+    m_lineBegin = static_cast<unsigned long>(reader->lastLine() - text);
+  }
+  m_position = static_cast<unsigned long>(reader->after() - text);
+  m_token.type = closeBrace;
   return true;
 }
 
@@ -144,7 +161,6 @@ bool JsonParser::nextTokenIs(JsonTokenType expected) {
 
 bool JsonParser::consume() {
   m_position += m_token.length;
-  m_column += m_token.length;
   return true;
 }
 
@@ -152,9 +168,7 @@ void JsonParser::skipWhitespace() {
   for (; !atEnd() && isBlank(m_input.at(m_position)); ++m_position) {
     if (m_input.at(m_position) == '\n') {
       ++m_line;
-      m_column = 0;
-    } else {
-      ++m_column;
+      m_lineBegin = m_position + 1;
     }
   }
 }
@@ -164,7 +178,7 @@ bool JsonParser::recognise() {
   if (atEnd()) {
     // Nothing at the end is ever what is expected, but a quote is shown as the string it would begin.
     if (character == '"') {
-      m_token = {string, 2, "", 0, false};
+      m_token = {string, 2, {}};
     }
     return false;
   }
@@ -182,27 +196,18 @@ bool JsonParser::recognise() {
 }
 
 bool JsonParser::recogniseString() {
-  const char* text = m_input.c_str();
-  const unsigned long begin = m_position + 1;
-  unsigned long end = begin;
-  bool escaped = false;
-  for (; end < m_input.length() && text[end] != '"'; ++end) {
-    if (text[end] == '\\') {
-      escaped = true;
-      end += text[end + 1] == '"' ? 1 : 0;
-    }
-  }
-  if (end >= m_input.length() && m_input.at(end) != '"') {
-    m_column += m_input.length() - m_position;
+  const char* const inputEnd = m_input.c_str() + m_input.length();
+  const RawString found = scanString(m_input.c_str() + m_position + 1, inputEnd);
+  if (found.end() >= inputEnd && inputEnd[-1] != '"') {
     m_position = m_input.length();
     return false;
   }
-  m_token = {string, end - begin + 2, text + begin, end - begin, escaped};
+  m_token = {string, found.length + 2, found};
   return true;
 }
 
 void JsonParser::fail(std::initializer_list<JsonTokenType> expected) const {
-  printParseError(expected, m_token.type, m_token.text(), m_line, m_column);
+  printParseError(expected, m_token.type, m_token.string.text(), m_line, m_position - m_lineBegin);
 }
 
 void JsonParser::printParseError(std::initializer_list<JsonTokenType> expected, JsonTokenType actual,

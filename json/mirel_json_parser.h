@@ -20,9 +20,11 @@
 #include <memory>
 
 #include "common/mirel_string.h"
+#include "json/mirel_json_scan.h"
 
-class Value;
 class KeyValuePair;
+class RowReader;
+class Value;
 
 /// The kinds of token; error lines print them by their names in `TokenStrings`.
 enum class JsonTokenType { openBrace, closeBrace, openBracket, closeBracket, comma, colon, string };
@@ -30,13 +32,8 @@ enum class JsonTokenType { openBrace, closeBrace, openBracket, closeBracket, com
 /// The current token. One that has never been read is an empty string.
 struct Token {
   JsonTokenType type = JsonTokenType::string;
-  unsigned long length = 0;   ///< in characters of the input, quotes included
-  const char* contents = "";  ///< of a string: what stands between its quotes in the input, ...
-  unsigned long contentsLength = 0;
-  bool escaped = false;  ///< ... and whether a backslash is among it
-
-  /// Of a string: its contents, escapes undone.
-  mirel_string text() const;
+  unsigned long length = 0;  ///< in characters of the input, quotes included
+  RawString string;          ///< the last one that was read
 };
 
 class JsonParser {
@@ -52,6 +49,9 @@ class JsonParser {
   bool parseArray(std::unique_ptr<Value>* out);
   bool parsePair(std::unique_ptr<KeyValuePair>* out);
   bool parseValue(std::unique_ptr<Value>* out);
+
+  /// An object that the reader, if there is one, takes for a row; false when nothing was read.
+  bool parseRow(RowReader* reader, std::unique_ptr<Value>* out);
 
   /// Consumes the opening bracket of a container, unless it is nested too deep.
   void open(JsonTokenType bracket);
@@ -74,10 +74,10 @@ class JsonParser {
                                            unsigned long line, unsigned long column);
 
   Token m_token;
-  mirel_string m_formerText;     ///< of the token that an earlier input left
-  unsigned long m_line = 1;      ///< counted from 1, by the line feeds between tokens
-  unsigned long m_column = 0;    ///< counted from 0
-  unsigned long m_position = 0;  ///< next character of the input
+  mirel_string m_formerText;      ///< of the token that an earlier input left
+  unsigned long m_line = 1;       ///< counted from 1, by the line feeds between tokens
+  unsigned long m_lineBegin = 0;  ///< where it begins; columns are counted from there
+  unsigned long m_position = 0;   ///< next character of the input
   mirel_string m_input;
   unsigned long m_depth = 0;                  ///< containers that are open
   unsigned long m_seen = mirel_string::npos;  ///< position that was looked at last, ...

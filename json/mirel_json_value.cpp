@@ -159,10 +159,11 @@ void ObjectValue::unpack() const {
   if (!row) {
     return;
   }
-  m_members.reserve(row->columns().names().size());
-  row->forEach([&](unsigned long column, const char* value, unsigned long length) {
-    m_members.push_back(new KeyValuePair(row->columns().names()[column], mirel_string(value, length)));
-  });
+  std::vector<mirel_string> values = row->values();
+  m_members.reserve(values.size());
+  for (unsigned long column = 0; column < values.size(); ++column) {
+    m_members.push_back(new KeyValuePair(row->columns().names()[column], std::move(values[column])));
+  }
 }
 
 ObjectValue* ObjectValue::clone() const {

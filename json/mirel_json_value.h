@@ -108,7 +108,7 @@ class ObjectValue final : public Value {
  public:
   /// The name is what `addObject` files the object under; it is not part of the text.
   explicit ObjectValue(mirel_string name);
-  /// A query's row: a member for each column.
+  /// A row: a member for each of its columns.
   explicit ObjectValue(Row row);
   ObjectValue(const ObjectValue& other);
   ~ObjectValue() override;
@@ -142,7 +142,6 @@ class ObjectValue final : public Value {
   KeyValuePair* memberOf(const mirel_string& key) const;
   void unpack() const;
   void writeMembers(mirel_string_builder& out, unsigned long indent) const;
-  void writeRow(mirel_string_builder& out, unsigned long indent) const;
 
   mirel_string m_name;
   mutable std::unique_ptr<const Row> m_row;  ///< until its members are asked for

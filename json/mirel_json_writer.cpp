@@ -1,8 +1,10 @@
 #include "json/mirel_json_writer.h"
 
+#include <cstring>
 #include <ostream>
 
 #include "common/mirel_common_builder.h"
+#include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
 
 namespace {
@@ -35,8 +37,12 @@ void appendEnd(mirel_string_builder& out, bool hasChildren, unsigned long indent
   out.append(bracket);
 }
 
+/// Two passes, so that the text, which may be as large as what it is made of, is allocated once.
 mirel_string textOf(const Value& value, unsigned long indent) {
   mirel_string_builder out;
+  out.startMeasuring();
+  value.write(out, indent);
+  out.endMeasuring();
   value.write(out, indent);
   return out.take();
 }
@@ -61,17 +67,29 @@ void appendEscaped(mirel_string_builder& out, const mirel_string& text) {
 
 void appendEscaped(mirel_string_builder& out, const char* text, unsigned long length) {
   const char* const end = text + length;
-  const char* plain = text;  // where the run of characters that go out as they are begins
-  for (; text != end; ++text) {
-    if (*text != '\\' && *text != '"' && *text != '\n' && *text != '\r') {
-      continue;
+  for (;;) {
+    const char* const special = endOfPlain(text, end);
+    out.append(text, static_cast<unsigned long>(special - text));
+    if (special == end) {
+      return;
     }
-    out.append(plain, static_cast<unsigned long>(text - plain));
-    out.append('\\');
-    out.append(*text == '\n' ? 'n' : *text == '\r' ? 'r' : *text);
-    plain = text + 1;
+    const char escape[] = {'\\', *special == '\n' ? 'n' : *special == '\r' ? 'r' : *special};
+    out.append(escape, sizeof escape);
+    text = special + 1;
   }
-  out.append(plain, static_cast<unsigned long>(end - plain));
+}
+
+mirel_string unescapeJson(const char* text, unsigned long length) {
+  mirel_string_builder out;
+  const char* const end = text + length;
+  while (const void* hit = memchr(text, '\\', static_cast<unsigned long>(end - text))) {
+    const char* const escape = static_cast<const char*>(hit);
+    out.append(text, static_cast<unsigned long>(escape - text));
+    out.append(escape[1] == 'n' ? '\n' : escape[1] == 'r' ? '\r' : escape[1]);
+    text = escape + 2;
+  }
+  out.append(text, static_cast<unsigned long>(end - text));
+  return out.take();
 }
 
 mirel_string reverseEscape(const mirel_string& text) {
@@ -98,7 +116,7 @@ void ArrayValue::write(mirel_string_builder& out, unsigned long indent) const {
 void ObjectValue::write(mirel_string_builder& out, unsigned long indent) const {
   out.append("{\n");
   if (m_row) {
-    writeRow(out, indent + 1);
+    m_row->write(out, indent + 1);
   } else {
     writeMembers(out, indent + 1);
   }
@@ -113,16 +131,6 @@ void ObjectValue::writeMembers(mirel_string_builder& out, unsigned long indent) 
     appendValue(out, member->getValue(), indent);
     out.append(",\n");
   }
-}
-
-void ObjectValue::writeRow(mirel_string_builder& out, unsigned long indent) const {
-  m_row->forEach([&](unsigned long column, const char* value, unsigned long length) {
-    appendIndent(out, indent);
-    out.append(m_row->columns().head(column));
-    out.append('"');
-    appendEscaped(out, value, length);
-    out.append("\",\n");
-  });
 }
 
 mirel_string PrimitiveValue::stringify(unsigned long indent) const {

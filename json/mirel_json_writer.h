@@ -19,7 +19,10 @@ mirel_string escapeJson(const mirel_string& text);
 void appendEscaped(mirel_string_builder& out, const mirel_string& text);
 void appendEscaped(mirel_string_builder& out, const char* text, unsigned long length);
 
-/// Undoes the escapes, one kind after the other: doubled backslashes first, then line feeds, carriage
-/// returns and quotes, ignoring the letter's case. So a text that held a backslash and an n comes back with a
-/// line feed; templates may rely on that.
+/// Undoes exactly what `escapeJson` did.
+mirel_string unescapeJson(const char* text, unsigned long length);
+
+/// Undoes the escapes of a text somebody else wrote, one kind after the other: doubled backslashes first,
+/// then line feeds, carriage returns and quotes, ignoring the letter's case. So a text that held a backslash
+/// and an n comes back with a line feed; templates may rely on that.
 mirel_string reverseEscape(const mirel_string& text);

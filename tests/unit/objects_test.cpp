@@ -50,6 +50,7 @@ TEST_F(Objects, AreLaidOutByFixedRules) {
   EXPECT_EQ(expected, (std::ostringstream() << *tree).str());
   const std::unique_ptr<Value> nested(array({text("x")}));
   EXPECT_STREQ("[\n      \"x\"\n    ]", nested->stringify(2).c_str());
+  EXPECT_STREQ("\"x\"", (*nested)[0UL]->stringify(2).c_str());
   EXPECT_STREQ("    ", indent(2).c_str());
 }
 
@@ -89,6 +90,9 @@ TEST_F(Objects, ConnectionRunsAStatementAndLeavesItAllocated) {
   platform.answer("SQLTables", {{"T"}, {"a"}, {"b"}});
   EXPECT_EQ(2U, connection.NumTables());
   EXPECT_EQ(1, platform.count("SQLTables(3, null, 0, null, 0, null, 0, \"TABLE\", -3)"));
+  platform.fail("SQLTables");
+  EXPECT_EQ(0U, connection.NumTables());
+  EXPECT_EQ("Trying to run: SQLTables\nSQLTables failed\n", standardError());
   platform.answer("s", {{}});
   EXPECT_TRUE(connection.exec("s"));
   EXPECT_EQ("connection 1, environment 1, statement 1", platform.open());

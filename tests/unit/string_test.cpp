@@ -44,6 +44,9 @@ TEST_F(String, TagsItsAllocations) {
       {[&] { abc.substr(1, 1); }, "2, 0, 173 4, 1, 368 389 389 "},
       {[&] { abc + de; }, "8, 0, 341 8, 1, 368 389 389 "},
       {[&] { target += de; }, "7, 0, 315 389 "},
+      {[] { mirel_string_builder().append('x'); }, "64, 0, 315 389 "},
+      {[&, same = std::ref(target)] { target = std::move(same.get()); }, ""},
+      {[&] { platform.fail("_ossMemAlloc"), target += de; }, "9, 0, 315 "},
   };
   for (const auto& [action, expected] : rows) {
     platform.forgetCalls();

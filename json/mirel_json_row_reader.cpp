@@ -1,0 +1,96 @@
+#include "json/mirel_json_row_reader.h"
+
+#include <cstring>
+#include <utility>
+
+#include "json/mirel_json_scan.h"
+#include "json/mirel_json_value.h"
+#include "json/mirel_json_writer.h"
+
+namespace {
+
+/// A place in the text, passed over token by token.
+struct Cursor {
+  const char* at;
+  const char* end;
+  unsigned long lines = 0;
+  const char* lastLine = nullptr;
+
+  void skipBlanks() {
+    for (; isBlank(*at); ++at) {
+      if (*at == '\n') {
+        ++lines;
+        lastLine = at + 1;
+      }
+    }
+  }
+  bool take(char token) {
+    skipBlanks();
+    return *at++ == token;
+  }
+  bool takeString(const mirel_string& plain) {
+    const unsigned long length = plain.length();
+    if (!take('"') || static_cast<unsigned long>(end - at) <= length ||
+        memcmp(at, plain.c_str(), length) != 0 || at[length] != '"') {
+      return false;
+    }
+    at += length + 1;
+    return true;
+  }
+};
+
+}  // namespace
+
+RowReader::RowReader(const ObjectValue& example) {
+  std::vector<mirel_string> names;
+  for (const KeyValuePair* member : example.getValues()) {
+    const mirel_string& key = member->getKey();
+    const char* const end = key.c_str() + key.length();
+    if (endOfPlain(key.c_str(), end) != end ||
+        dynamic_cast<const PrimitiveValue*>(member->getValue()) == nullptr) {
+      return;
+    }
+    names.push_back(key);
+  }
+  if (!names.empty()) {
+    m_columns = std::make_shared<const RowColumns>(std::move(names));
+  }
+}
+
+bool RowReader::read(const char* text, const char* end) {
+  if (m_columns == nullptr) {
+    return false;
+  }
+  m_values.clear();
+  Cursor cursor{text + 1, end};
+  const std::vector<mirel_string>& names = m_columns->names();
+  for (unsigned long column = 0; column < names.size(); ++column) {
+    if (!cursor.takeString(names[column]) || !cursor.take(':') || !cursor.take('"')) {
+      return false;
+    }
+    const RawString value = scanString(cursor.at, end);
+    if (value.plain) {
+      append(value.contents, value.length);
+    } else {
+      const mirel_string escaped = escapeJson(value.text());
+      append(escaped.c_str(), escaped.length());
+    }
+    cursor.at = value.end() + 1;
+    if (cursor.at >= end || !cursor.take(column + 1 < names.size() ? ',' : '}')) {
+      return false;
+    }
+  }
+  m_after = cursor.at;
+  m_lines = cursor.lines;
+  m_lastLine = cursor.lastLine;
+  return true;
+}
+
+Row RowReader::row() const {
+  return {m_columns, mirel_string(m_values.data(), m_values.size() - 1)};
+}
+
+void RowReader::append(const char* value, unsigned long length) {
+  m_values.insert(m_values.end(), value, value + length);
+  m_values.push_back('\n');
+}

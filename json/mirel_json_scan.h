@@ -1,0 +1,30 @@
+#pragma once
+/// What the readers and the writer of JSON text know about its characters. Every text ends with a NUL and
+/// holds no other.
+
+#include "common/mirel_string.h"
+
+/// Whether the character may stand between tokens.
+inline bool isBlank(char character) {
+  return character == ' ' || character == '\n' || character == '\r' || character == '\t';
+}
+
+/// Where the run of characters that are written as they are ends: before a backslash, line feed, carriage
+/// return or double quote, and at most at `end`.
+const char* endOfPlain(const char* text, const char* end);
+
+/// A string as it stands in the text.
+struct RawString {
+  const char* contents = "";  ///< what is between the quotes
+  unsigned long length = 0;
+  bool escaped = false;  ///< whether a backslash is among it, ...
+  bool plain = true;     ///< ... or anything that is not written as it is
+
+  const char* end() const { return contents + length; }
+  /// With its escapes undone as `reverseEscape` does (json/mirel_json_writer.h).
+  mirel_string text() const;
+};
+
+/// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end` or
+/// behind it.
+RawString scanString(const char* contents, const char* end);
