@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 
 #include "collectors/mirel_collectors_native.h"
@@ -5,8 +6,10 @@
 #include "generator/mirel_generator_walk.h"
 
 std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsigned long limit) {
-  std::vector<mirel_string> words;
   const char* rest = text.c_str();
+  const auto blanks = static_cast<unsigned long>(std::count(rest, rest + text.length(), ' '));
+  std::vector<mirel_string> words;
+  words.reserve(std::min(limit, blanks) + 1);
   rest += strspn(rest, " ");
   for (unsigned long cuts = 0; cuts < limit; ++cuts) {
     const char* blank = strchr(rest, ' ');
