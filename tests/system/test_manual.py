@@ -35,11 +35,12 @@ def examples(path):
 
 
 def test_page_renders_without_a_warning_and_bears_the_version():
-    for command in (["mandoc", "-Tlint", "-Wwarning", PAGE], ["groff", "-mdoc", "-Tutf8", "-ww", PAGE]):
-        run = subprocess.run(command, capture_output=True, text=True, check=False)
-        assert (run.returncode, run.stderr) == (0, "") and "warning" not in run.stdout.lower(), run
+    # What mandoc says of the machine's index of manual pages goes to standard error.
+    lint = subprocess.run(["mandoc", "-Tlint", PAGE], capture_output=True, text=True, check=False)
+    groff = subprocess.run(["groff", "-mdoc", "-Tutf8", "-ww", PAGE], capture_output=True, text=True, check=False)
+    assert (lint.stdout, groff.stderr, groff.returncode) == ("", "", 0)
     version = re.search(r"project\(mirel VERSION (\S+)", read("CMakeLists.txt"))[1]
-    assert f".Os mirel {version}\n" in PAGE.read_text()
+    assert f"This page describes version {version}.\n" in PAGE.read_text()
 
 
 def test_page_documents_every_option_in_both_spellings():
