@@ -7,6 +7,11 @@
 
 namespace {
 
+const char* endOfValue(const char* value, const char* valuesEnd) {
+  const void* const lineFeed = memchr(value, '\n', static_cast<unsigned long>(valuesEnd - value));
+  return lineFeed == nullptr ? valuesEnd : static_cast<const char*>(lineFeed);
+}
+
 /// Copies the text and returns where it ends in `out`.
 char* copy(char* out, const char* text, unsigned long length) {
   memcpy(out, text, length);
@@ -27,10 +32,11 @@ std::vector<mirel_string> Row::values() const {
   std::vector<mirel_string> values;
   values.reserve(m_columns->names().size());
   const char* value = m_values.c_str();
+  const char* const valuesEnd = value + m_values.length();
   while (values.size() < m_columns->names().size()) {
-    const char* end = strchrnul(value, '\n');
+    const char* const end = endOfValue(value, valuesEnd);
     values.push_back(unescapeJson(value, static_cast<unsigned long>(end - value)));
-    value = *end == '\0' ? end : end + 1;
+    value = end == valuesEnd ? end : end + 1;
   }
   return values;
 }
@@ -51,8 +57,7 @@ void Row::write(mirel_string_builder& out, unsigned long indent) const {
     memset(to, ' ', 2 * indent);
     const mirel_string& head = m_columns->head(column);
     to = copy(to + 2 * indent, head.c_str(), head.length());
-    const void* hit = memchr(value, '\n', static_cast<unsigned long>(valuesEnd - value));
-    const char* const end = hit == nullptr ? valuesEnd : static_cast<const char*>(hit);
+    const char* const end = endOfValue(value, valuesEnd);
     to = copy(to, value, static_cast<unsigned long>(end - value));
     to = copy(to, kSeparator, kSeparatorLength);
     value = end == valuesEnd ? end : end + 1;

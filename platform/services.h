@@ -26,8 +26,9 @@ struct SqloOptionState {
 
 extern "C" {
 
-/// Starts the services; once, before any other call of the platform. The process is then safe to write
-/// to readers that go away: a broken pipe is an error of the write, never a signal that ends the run.
+/// Starts the services; once, before any other call of the platform. From then on a reader that goes away and
+/// a limit on the size of files are errors of the write, never a signal that ends the run, and letter case is
+/// that of ASCII for the calling thread, whatever locale a database driver sets.
 unsigned int ossOneTimeOnly();
 
 /// Ends the services; once. Only memory is given back, and a connection closed, after it.

@@ -1,8 +1,10 @@
 #include <fcntl.h>
+#include <locale.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <initializer_list>
 
 #include "platform/services.h"
 
@@ -22,22 +24,32 @@ unsigned int openStandardDescriptors() {
   return 0;
 }
 
-/// A handler, not SIG_IGN: commands would inherit that, while exec gives them the default instead of a
-/// handler.
-unsigned int surviveBrokenPipes() {
+/// A reader that goes away and a limit on the size of files are errors of the write, no more. Handlers, not
+/// SIG_IGN: commands would inherit that, while exec gives them the default instead of a handler.
+unsigned int surviveFailingWrites() {
   struct sigaction action = {};
   action.sa_handler = ignoreSignal;
   action.sa_flags = SA_RESTART;
-  return sigaction(SIGPIPE, &action, nullptr) == 0 ? 0 : static_cast<unsigned int>(errno);
+  const bool set = sigaction(SIGPIPE, &action, nullptr) == 0 && sigaction(SIGXFSZ, &action, nullptr) == 0;
+  return set ? 0 : static_cast<unsigned int>(errno);
+}
+
+/// Database drivers set the locale of the process to that of the environment. The thread has one of its own,
+/// so letter case stays that of ASCII. Nothing is allocated for "C".
+unsigned int keepPlainLocale() {
+  return uselocale(newlocale(LC_ALL_MASK, "C", nullptr)) != nullptr ? 0 : static_cast<unsigned int>(errno);
 }
 
 }  // namespace
 
 unsigned int ossOneTimeOnly() {
-  const unsigned int pipes = surviveBrokenPipes();
-  const unsigned int descriptors = openStandardDescriptors();
-  return pipes != 0 ? pipes : descriptors;
+  for (const unsigned int code : {surviveFailingWrites(), keepPlainLocale(), openStandardDescriptors()}) {
+    if (code != 0) {
+      return code;
+    }
+  }
+  return 0;
 }
 
-// The handler stays: what is still buffered for standard output is written after this call.
+// The handlers stay: what is still buffered for standard output is written after this call.
 void ossTerminate() {}

@@ -1,8 +1,10 @@
 #include "platform/host/mirel_host_processors.h"
 
+#include <dirent.h>
+
 #include <algorithm>
-#include <filesystem>
 #include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -22,10 +24,11 @@ std::optional<long> processorNumber(std::string_view directory) {
 /// The directories cpu0, cpu1, … below sysfs in the order of their numbers: the processors present.
 std::vector<std::string> processorDirectories(const Machine& machine) {
   std::set<long> numbers;
-  std::error_code error;
-  std::filesystem::directory_iterator entry(machine.root + kProcessors, error);
-  for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-    if (const auto number = processorNumber(entry->path().filename().native())) {
+  // Not std::filesystem: its iterator ends the process when memory runs out.
+  const auto close = [](DIR* directory) { closedir(directory); };
+  const std::unique_ptr<DIR, decltype(close)> listing(opendir((machine.root + kProcessors).c_str()), close);
+  while (const dirent* entry = listing ? readdir(listing.get()) : nullptr) {
+    if (const auto number = processorNumber(entry->d_name)) {
       numbers.insert(*number);
     }
   }

@@ -1,6 +1,8 @@
 // One line on the terminal, redrawn every second by a thread of its own, which exists only where standard
 // error is a terminal. Work that is done within a second is never shown, and the cursor always rests at the
 // beginning of the line, so that whatever a command prints starts where it would have.
+//
+// Nothing is allocated: memory that runs out must not end the thread, and the process with it.
 
 #include <pthread.h>
 #include <signal.h>
@@ -8,16 +10,28 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
+#include <cstring>
 #include <mutex>
-#include <string>
+#include <string_view>
 
 #include "platform/progress.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+
+/// More of a key is not kept, however wide the terminal is.
+constexpr std::size_t kWorkSize = 1024;
+
+/// Control bytes of a key would move the cursor.
+char printable(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return byte < ' ' || byte == 0x7f ? '?' : character;
+}
 
 class ProgressLine {
  public:
@@ -39,7 +53,8 @@ class ProgressLine {
   void show(const char* work) {
     const std::lock_guard lock(m_mutex);
     erase();
-    m_work = work;
+    const std::size_t length = strnlen(work, kWorkSize - 1);
+    *std::transform(work, work + length, m_work.begin(), printable) = '\0';
     ++m_count;
     m_begun = Clock::now();
   }
@@ -47,7 +62,7 @@ class ProgressLine {
   void hide() {
     const std::lock_guard lock(m_mutex);
     erase();
-    m_work.clear();
+    m_work[0] = '\0';
   }
 
  private:
@@ -61,7 +76,7 @@ class ProgressLine {
 
   std::mutex m_mutex;
   std::condition_variable m_changed;
-  std::string m_work;  // empty: nothing to show
+  std::array<char, kWorkSize> m_work{};  // empty: nothing to show
   unsigned long m_count = 0;
   Clock::time_point m_begun = Clock::now();
   const Clock::time_point m_start = Clock::now();
@@ -71,7 +86,7 @@ class ProgressLine {
   pthread_t m_thread{};
 };
 
-void write(const std::string& text) {
+void write(std::string_view text) {
   // A terminal that went away is no reason to stop.
   [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
 }
@@ -81,13 +96,6 @@ std::size_t terminalWidth() {
   return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
-/// Control bytes of a key would move the cursor.
-std::string printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char byte) { return byte < ' ' || byte == 0x7f; }, '?');
-  return text;
-}
-
 void ProgressLine::redraw() {
   // Signals belong to the thread that does the work.
   sigset_t all;
@@ -95,7 +103,7 @@ void ProgressLine::redraw() {
   pthread_sigmask(SIG_BLOCK, &all, nullptr);
   std::unique_lock lock(m_mutex);
   while (!m_changed.wait_for(lock, std::chrono::seconds(1), [this] { return m_ended; })) {
-    if (!m_work.empty() && Clock::now() - m_begun >= std::chrono::seconds(1)) {
+    if (m_work[0] != '\0' && Clock::now() - m_begun >= std::chrono::seconds(1)) {
       draw();
     }
   }
@@ -103,9 +111,13 @@ void ProgressLine::redraw() {
 
 void ProgressLine::draw() {
   const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_start).count();
-  const std::string line =
-      "[" + std::to_string(elapsed) + " s] " + std::to_string(m_count) + ": " + printable(m_work);
-  write("\r" + line.substr(0, terminalWidth() - 1) + "\033[K\r");
+  constexpr std::string_view end = "\033[K\r";
+  std::array<char, kWorkSize + 64> line;
+  const int length = std::snprintf(line.data(), line.size() - end.size(), "\r[%lld s] %lu: %s",
+                                   static_cast<long long>(elapsed), m_count, m_work.data());
+  const std::size_t shown = std::min(static_cast<std::size_t>(length), terminalWidth());  // with its \r
+  end.copy(&line[shown], end.size());
+  write({line.data(), shown + end.size()});
   m_drawn = true;
 }
 

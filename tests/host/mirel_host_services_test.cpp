@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <locale.h>
 #include <signal.h>
 #include <sys/stat.h>
 
@@ -79,6 +80,14 @@ TEST_F(Services, WhatIsNoFileIsRefusedAtOnce) {
   for (const char* path : {"fifo", ".", "missing/file"}) {
     EXPECT_NE(0U, writeFile(path, "x")) << path;
   }
+}
+
+// The driver of PostgreSQL sets the locale of the process. A Turkish one knows no upper case of "i" in a
+// byte, and columns were not found by their names.
+TEST_F(Services, LocaleOfTheProcessIsNotThatOfTheRun) {
+  EXPECT_EQ(0U, ossOneTimeOnly());
+  EXPECT_NE(nullptr, setlocale(LC_ALL, "C.UTF-8"));
+  EXPECT_EQ(1U, MB_CUR_MAX);
 }
 
 // What does not fit into a pipe waits for its reader.

@@ -1,6 +1,7 @@
 // Preloaded into the program, fails one of the calls that the program itself makes of a system function:
 // MIREL_FAULT="read 3 5" fails the third read with errno 5; an errno of 0 has it do half of its work instead.
-// When it comes to that, the file "hit" appears in the working directory. Calls of libraries are left alone.
+// When it comes to that, the file "hit" appears in the working directory. Calls of libraries are left alone,
+// but for those of the C++ library, which works for the program.
 
 #include <dlfcn.h>
 #include <poll.h>
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 
@@ -28,7 +30,8 @@ __attribute__((constructor)) void readFault() {
 bool isProgram(const void* caller) {
   Dl_info its = {}, program = {};
   const auto* header = reinterpret_cast<const void*>(getauxval(AT_PHDR));
-  return dladdr(caller, &its) != 0 && dladdr(header, &program) != 0 && its.dli_fbase == program.dli_fbase;
+  return dladdr(caller, &its) != 0 && dladdr(header, &program) != 0 &&
+         (its.dli_fbase == program.dli_fbase || std::strstr(its.dli_fname, "libstdc++") != nullptr);
 }
 
 /// Whether this call fails. One that does half of its work has its count halved.
@@ -56,6 +59,8 @@ INTERPOSE(int, -1, close, (int file), (file), nullptr)
 INTERPOSE(int, -1, fsync, (int file), (file), nullptr)
 INTERPOSE(ssize_t, -1, read, (int file, void* to, Bytes count), (file, to, count), &count)
 INTERPOSE(ssize_t, -1, write, (int file, const void* from, Bytes count), (file, from, count), &count)
+INTERPOSE(void*, throw std::bad_alloc(), _Znwm, (Bytes size), (size), nullptr)
+INTERPOSE(void*, nullptr, malloc, (Bytes size) noexcept, (size), nullptr)
 INTERPOSE(FILE*, nullptr, popen, (const char* command, const char* mode), (command, mode), nullptr)
 INTERPOSE(char*, nullptr, fgets, (char* to, int size, FILE* file), (to, size, file), nullptr)
 INTERPOSE(int, -1, socket, (int family, int type, int protocol) noexcept, (family, type, protocol), nullptr)

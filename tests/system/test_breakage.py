@@ -53,11 +53,10 @@ def test_files_that_cannot_be_read(host, make):
     assert (facts(printed)["nodesRaw"], errors) == ("", "")
 
 
-# No locale is ever set: letter case is that of ASCII wherever the host stands.
-@pytest.mark.parametrize("variable", ["HOME=", "HOME=" + "/h" * 50_000, "LC_ALL=tr_TR.UTF-8", "-uPATH", "PATH="])
+@pytest.mark.parametrize("variable", ["HOME=", "HOME=long", "-uPATH", "PATH="])
 def test_environment(host, variable):
     expected, _ = host(BUILD / "mirel", "-z")
-    printed, errors = host("env", variable, BUILD / "mirel", "-z")
+    printed, errors = host("env", variable.replace("long", "/h" * 50_000), BUILD / "mirel", "-z")
     assert keys(printed) == keys(expected)
     assert errors == "" or "PATH" in variable
 
@@ -79,13 +78,14 @@ def test_no_file_descriptors_left(host, tmp_path, files):
 
 
 @pytest.mark.skipif(os.geteuid() != 0, reason="mounts file systems")
-@pytest.mark.parametrize("mount, end", [
-    ("--bind . . && mount -o remount,bind,ro . && mount -o remount,bind,ro /", "There was an error writing to file.\n0\n"),
+@pytest.mark.parametrize("limit, end", [
+    ("mount --bind . . && mount -o remount,bind,ro . && mount -o remount,bind,ro /", "There was an error writing to file.\n0\n"),
     # What a write comes to is not told; the file ends in the middle.
-    ("-t tmpfs -o size=4k none .", "Written to file: out\n4096\n"),
+    ("mount -t tmpfs -o size=4k none .", "Written to file: out\n4096\n"),
+    ("ulimit -f 8", "Written to file: out\n4096\n"),  # in blocks of 512 bytes; the signal must not end the run
 ])
-def test_file_systems_that_take_nothing_more(host, mount, end):
+def test_file_systems_that_take_nothing_more(host, limit, end):
     printed, _ = host("unshare", "--mount", "sh", "-c",
-                      f"mount {mount} && cd $PWD && {BUILD}/mirel -z -a {'x' * 5000} -o out; cat out | wc -c")
+                      f"{limit} && cd $PWD && {BUILD}/mirel -z -a {'x' * 5000} -o out; cat out | wc -c")
     document, told = printed.rsplit("\n\n", 1)
     assert (told, facts(document)["address"]) == (end, "x" * 5000)

@@ -59,7 +59,7 @@ def test_includes_go_down_only():
 
 
 def test_binary_needs_the_language_runtime_only_and_hides_its_call_level_interface():
-    needed = re.findall(r"NEEDED.*\[(\S+?)\.so", tool("readelf", "-dW", RELEASE / "mirel"))
+    needed = re.findall(r"NEEDED.*\[(?!ld-linux)(\S+?)\.so", tool("readelf", "-dW", RELEASE / "mirel"))
     assert set(needed) <= {"libc", "libstdc++", "libm", "libgcc_s"} and "libc" in needed
     exported = tool("nm", "-D", "--defined-only", RELEASE / "mirel")
     assert not re.search(r"\bSQL[A-Z]", exported)

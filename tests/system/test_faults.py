@@ -14,6 +14,7 @@ HOST = {"open": [EINTR, EACCES, EMFILE], "read": [EINTR, HALF, EIO], "close": [E
         "fgets": [EINTR], "write": [EINTR, HALF, ENOSPC], "fsync": [EINTR, EIO]}
 NETWORK = {"socket": [EMFILE], "connect": [EINTR, ECONNRESET], "send": [EINTR, EAGAIN, HALF, ECONNRESET],
            "recv": [EINTR, EAGAIN, HALF, ECONNRESET], "poll": [EINTR, ENOMEM], "popen": [ENOMEM]}
+MEMORY = {"_Znwm": [ENOMEM], "malloc": [ENOMEM]}  # operator new calls the latter where the C++ library is linked in
 
 
 @pytest.fixture
@@ -22,7 +23,7 @@ def torture(mirel, tmp_path, capsys):
     def runs(faults, *arguments):
         passed = 0
         for function, error in ((function, error) for function in faults for error in faults[function]):
-            for call in range(1, 1000):
+            for call in range(1, 1000, 7 if function in MEMORY else 1):
                 fault = f"{function} {call} {error}"
                 result = mirel(*arguments, timeout=20, env={
                     "LD_PRELOAD": f"{BUILD}/tests/system/libmirel_interposer.so", "MIREL_FAULT": fault,
@@ -62,6 +63,13 @@ def test_printing_and_writing(mirel, torture, tmp_path):
         if unnoticed:
             assert (written, stable(result.stdout), result.stderr) == (
                 printed, stable(expected.stdout), expected.stderr), fault
+
+
+# The facts of the host are gathered in standard containers, below what the torture of the core reaches.
+def test_collecting_without_memory(torture):
+    for fault, _, result in torture(MEMORY, "-z", "-d", "NONE"):
+        assert result.returncode == 0, fault
+        assert keys(result.stdout.decode()) if result.stdout else result.stderr.endswith(b"out of memory\n"), fault
 
 
 class Collection(BaseHTTPRequestHandler):
