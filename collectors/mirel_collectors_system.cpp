@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "common/mirel_common_builder.h"
+#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -29,6 +30,10 @@ void appendOutput(mirel_string_builder& output, FILE* stream) {
 }  // namespace
 
 mirel_string executeGet(const mirel_string& command) {
+  // A command that lost a part of itself is another command.
+  if (memoryRanOut) {
+    return "";
+  }
   FILE* stream = popen(command.c_str(), "r");
   if (stream == nullptr) {
     return "ERROR";

@@ -1,10 +1,12 @@
 #include "db/mirel_db_connection.h"
 
 #include <cstdint>
+#include <cstring>
 #include <iostream>
 #include <limits>
 #include <memory>
 
+#include "common/mirel_common_memory.h"
 #include "db/mirel_db_resultset.h"
 #include "json/mirel_json_value.h"
 #include "platform/progress.h"
@@ -144,7 +146,7 @@ unsigned long DBConnection::countTables() {
 }
 
 bool DBConnection::open(const mirel_string& sql) {
-  if (!m_connected || !allocateStatement()) {
+  if (memoryRanOut || !m_connected || !allocateStatement()) {
     return false;
   }
   if (execute(sql)) {
@@ -181,7 +183,7 @@ void extract_error(const char* step, SQLHANDLE handle, short handleType) {
     short length = 0;
     code = SQLGetDiagRec(handleType, handle, record, state, &nativeError, message, sizeof message, &length);
     if (sqlSucceeded(code)) {
-      std::cerr << mirel_string(message, sizeof message) << std::endl;
+      std::cerr.write(message, static_cast<std::streamsize>(strnlen(message, sizeof message))) << std::endl;
     }
   }
 }

@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "common/mirel_common_memory.h"
 #include "generator/mirel_generator_template.h"
 #include "http/mirel_http_client.h"
 #include "platform/services.h"
@@ -14,6 +15,9 @@ mirel_string download(const mirel_string& host, unsigned long port) {
   HttpClient client(host, port);
   std::cout << "Downloading tarnconfig.json from " << host << "..." << std::endl;
   mirel_string text = client.get("/config");
+  if (memoryRanOut) {
+    return "";
+  }
   std::cout << "Done." << std::endl;
   return text;
 }
@@ -22,6 +26,10 @@ void upload(const mirel_string& result, const mirel_string& host, unsigned long 
   HttpClient client(host, port);
   std::cout << "Sending result to " << host << "..." << std::endl;
   const mirel_string response = client.post("/tarn", result);
+  // Nothing was sent, or the answer is lost.
+  if (memoryRanOut) {
+    return;
+  }
   std::cout << "Sent result to " << host << "." << std::endl;
   std::cout << "Response" << std::endl << kRule << std::endl;
   std::cout << response << std::endl << kRule << std::endl;

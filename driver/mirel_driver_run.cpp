@@ -55,7 +55,7 @@ int run(int argc, char** argv) {
   RunSettings settings;
   try {
     const bool anyOption = parseOptions(argc, argv, &settings);
-    if (anyOption && settings.support) {
+    if (anyOption && settings.support && !memoryRanOut) {
       collect(settings, &customer, &parser, &generator);
     }
   } catch (const std::bad_alloc&) {

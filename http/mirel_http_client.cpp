@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "common/mirel_common_builder.h"
@@ -31,7 +32,8 @@ mirel_string HttpClient::get(const mirel_string& path) {
   request.append("\r\n\r\n");
   const mirel_string response = exchange(request.take());
   // Not found plus 4 is position 3.
-  return response.substr(response.find("\r\n\r\n", 0) + 4, mirel_string::npos);
+  const unsigned long body = response.find("\r\n\r\n", 0) + 4;
+  return response.c_str() + std::min(body, response.length());
 }
 
 mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body) {

@@ -11,6 +11,8 @@ namespace {
 
 constexpr unsigned long kChunk = 1024;
 constexpr int kWaitSeconds = 5;
+/// The platform takes 32 bits; a larger number must not turn into another port.
+constexpr unsigned long kLargest = 0xffffffff;
 
 bool failed(const char* message) {
   std::cerr << message << std::endl;
@@ -27,7 +29,8 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0) {
     return failed("failed to get hostname");
   }
-  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0) {
+  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(std::min(port, kLargest))) !=
+      0) {
     return failed("failed to init node addr handle");
   }
   if (sqloPdbConnectSocket(m_socket, &m_addr) != 0) {
