@@ -10,6 +10,7 @@
 #include <string>
 
 #include "bench/mirel_bench_document.h"
+#include "bench/mirel_bench_output.h"
 
 namespace {
 
@@ -19,27 +20,23 @@ void parseRapidJson(benchmark::State& state) {
     rapidjson::Document parsed;
     benchmark::DoNotOptimize(parsed.Parse(text.c_str(), text.size()).HasParseError());
   }
-  state.SetBytesProcessed(state.iterations() * static_cast<long>(text.size()));
 }
 
 void writeRapidJson(benchmark::State& state) {
   rapidjson::Document parsed;
   parsed.Parse(document(state.range(0)).c_str());
-  unsigned long length = 0;
   for (auto round : state) {
     rapidjson::StringBuffer buffer;
     rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
     writer.SetIndent(' ', 2);
     parsed.Accept(writer);
-    length = buffer.GetSize();
+    benchmark::DoNotOptimize(buffer.GetSize());
   }
-  state.SetBytesProcessed(state.iterations() * static_cast<long>(length));
 }
 
 /// A command's output, read as the manual page of fgets(3) suggests, escaped and quoted.
 void executePlain(benchmark::State& state, const char* lineLength) {
-  const std::string size = std::to_string(state.range(0));
-  const std::string command = "head -c " + size + " /dev/zero | tr '\\0' x | fold -b -w " + lineLength;
+  const std::string command = output(state.range(0), lineLength);
   for (auto round : state) {
     std::string output;
     FILE* stream = popen(command.c_str(), "r");
@@ -58,7 +55,6 @@ void executePlain(benchmark::State& state, const char* lineLength) {
     text += '"';
     benchmark::DoNotOptimize(text.data());
   }
-  state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
 }  // namespace

@@ -64,13 +64,28 @@ std::string print(SQLHSTMT statement) {
   return text + "\n]";
 }
 
-}  // namespace
+unsigned long drain(SQLHSTMT statement) {
+  const auto fetch = MANAGER(SQLFetch);
+  const auto getData = MANAGER(SQLGetData);
+  const auto columns = static_cast<SQLUSMALLINT>(columnNames(statement).size());
+  unsigned long rows = 0;
+  for (; SQL_SUCCEEDED(fetch(statement)); ++rows) {
+    for (SQLUSMALLINT column = 1; column <= columns; ++column) {
+      char value[128];
+      SQLLEN indicator = 0;
+      getData(statement, column, SQL_C_CHAR, value, sizeof value, &indicator);
+    }
+  }
+  return rows;
+}
 
-std::string bareRows(const char* dataSource, const std::string& query) {
+/// Runs the query and hands its statement to `use`; what that returns, or nothing when something fails.
+template <class Use>
+auto withRows(const char* dataSource, const std::string& query, Use use) {
   SQLHENV environment = nullptr;
   SQLHDBC connection = nullptr;
   SQLHSTMT statement = nullptr;
-  std::string text;
+  decltype(use(statement)) result{};
   MANAGER(SQLAllocHandle)(SQL_HANDLE_ENV, nullptr, &environment);
   MANAGER(SQLSetEnvAttr)(environment, SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
   MANAGER(SQLAllocHandle)(SQL_HANDLE_DBC, environment, &connection);
@@ -78,12 +93,22 @@ std::string bareRows(const char* dataSource, const std::string& query) {
                                         characters(""), SQL_NTS))) {
     MANAGER(SQLAllocHandle)(SQL_HANDLE_STMT, connection, &statement);
     if (SQL_SUCCEEDED(MANAGER(SQLExecDirect)(statement, characters(query.c_str()), SQL_NTS))) {
-      text = print(statement);
+      result = use(statement);
     }
     MANAGER(SQLFreeHandle)(SQL_HANDLE_STMT, statement);
     MANAGER(SQLDisconnect)(connection);
   }
   MANAGER(SQLFreeHandle)(SQL_HANDLE_DBC, connection);
   MANAGER(SQLFreeHandle)(SQL_HANDLE_ENV, environment);
-  return text;
+  return result;
+}
+
+}  // namespace
+
+std::string bareRows(const char* dataSource, const std::string& query) {
+  return withRows(dataSource, query, print);
+}
+
+unsigned long drainedRows(const char* dataSource, const std::string& query) {
+  return withRows(dataSource, query, drain);
 }

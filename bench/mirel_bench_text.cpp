@@ -1,4 +1,5 @@
-/// Linear work: documents, replacing, splitting and command output, from 10 KB to 100 MB.
+/// Documents and command output, beside what stands in mirel_bench_reference.cpp; then work whose cost has to
+/// grow with its size and no faster.
 
 #include <benchmark/benchmark.h>
 
@@ -7,6 +8,7 @@
 #include <utility>
 
 #include "bench/mirel_bench_document.h"
+#include "bench/mirel_bench_output.h"
 #include "collectors/mirel_collectors_system.h"
 #include "generator/mirel_generator_walk.h"
 #include "json/mirel_json_parser.h"
@@ -21,9 +23,8 @@ std::string repeated(const std::string& piece, long size) {
   return text;
 }
 
-void report(benchmark::State& state, unsigned long bytes) {
-  state.SetBytesProcessed(state.iterations() * static_cast<long>(bytes));
-  state.SetComplexityN(static_cast<long>(bytes));
+std::unique_ptr<Value> documentOf(const benchmark::State& state) {
+  return std::unique_ptr<Value>(JsonParser().parse(document(state.range(0)).c_str()));
 }
 
 void parse(benchmark::State& state) {
@@ -34,66 +35,59 @@ void parse(benchmark::State& state) {
     state.ResumeTiming();
     std::unique_ptr<Value>(JsonParser().parse(std::move(input)));
   }
-  report(state, text.length());
 }
 
 void write(benchmark::State& state) {
-  const std::unique_ptr<Value> root(JsonParser().parse(document(state.range(0)).c_str()));
-  unsigned long length = 0;
+  const std::unique_ptr<Value> root = documentOf(state);
   for (auto round : state)
-    length = root->stringify(0).length();
-  report(state, length);
+    benchmark::DoNotOptimize(root->stringify(0));
 }
 
 void cloneTree(benchmark::State& state) {
-  const std::unique_ptr<Value> root(JsonParser().parse(document(state.range(0)).c_str()));
+  const std::unique_ptr<Value> root = documentOf(state);
   for (auto round : state)
     std::unique_ptr<Value>(root->clone());
-  report(state, static_cast<unsigned long>(state.range(0)));
 }
 
-/// A match every ten characters: a million of them at 10 MB.
+/// One evaluated copy of a value in which every text is looked at.
+void forEach(benchmark::State& state) {
+  KeyValuePair pair("$foreach table [rows]", documentOf(state).release());
+  Generator generator;
+  for (auto round : state)
+    std::unique_ptr<Value>(generator.cloneAndRun(&pair));
+}
+
+/// A match every ten characters: ten million of them at 100 MB.
 void replaceAll(benchmark::State& state) {
   const mirel_string text(repeated("$HOME/bin:", state.range(0)).c_str());
   for (auto round : state)
     benchmark::DoNotOptimize(text.replace_all("$home", "/home/kato"));
-  report(state, text.length());
 }
 
 void splitArgs(benchmark::State& state) {
-  const mirel_string text(repeated("select tbspace, tbspacetype,  pagesize from syscat.tablespaces ", state.range(0)).c_str());
+  const mirel_string text(
+      repeated("select tbspace, tbspacetype,  pagesize from syscat.tablespaces ", state.range(0)).c_str());
   for (auto round : state)
     benchmark::DoNotOptimize(Generator::split_args(text, mirel_string::npos));
-  report(state, text.length());
 }
 
 void execute(benchmark::State& state, const char* lineLength) {
-  const std::string size = std::to_string(state.range(0));
-  const mirel_string command(
-      ("head -c " + size + " /dev/zero | tr '\\0' x | fold -b -w " + lineLength).c_str());
-  unsigned long length = 0;
+  const mirel_string command(output(state.range(0), lineLength).c_str());
   for (auto round : state)
-    length = executeGet(command).length();
-  report(state, length);
+    benchmark::DoNotOptimize(PrimitiveValue(executeGet(command)).stringify(0));
 }
 
-constexpr long kSmallest = 10'000;
-constexpr long kLargest = 100'000'000;
+constexpr long kSmall = 10'000;
+constexpr long kLarge = 100'000'000;
 
 }  // namespace
 
-BENCHMARK(parse)->RangeMultiplier(10)->Range(kSmallest, kLargest)->Complexity(benchmark::oN);
-BENCHMARK(write)->RangeMultiplier(10)->Range(kSmallest, kLargest)->Complexity(benchmark::oN);
-BENCHMARK(cloneTree)->RangeMultiplier(10)->Range(kSmallest, kLargest)->Complexity(benchmark::oN);
-BENCHMARK(replaceAll)->RangeMultiplier(10)->Range(kSmallest, kLargest)->Complexity(benchmark::oN);
-BENCHMARK(splitArgs)->RangeMultiplier(10)->Range(kSmallest, kLargest)->Complexity(benchmark::oN);
-BENCHMARK_CAPTURE(execute, shortLines, "60")
-    ->RangeMultiplier(10)
-    ->Range(kSmallest, kLargest)
-    ->UseRealTime()
-    ->Complexity(benchmark::oN);
-BENCHMARK_CAPTURE(execute, oneLine, "1000000000")
-    ->RangeMultiplier(10)
-    ->Range(kSmallest, kLargest)
-    ->UseRealTime()
-    ->Complexity(benchmark::oN);
+BENCHMARK(parse)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK(write)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK_CAPTURE(execute, shortLines, "60")->Arg(kSmall)->Arg(kLarge)->UseRealTime();
+BENCHMARK_CAPTURE(execute, oneLine, "1000000000")->Arg(kLarge)->UseRealTime();
+
+BENCHMARK(cloneTree)->RangeMultiplier(10)->Range(1'000, kLarge);
+BENCHMARK(forEach)->RangeMultiplier(10)->Range(1'000, kLarge);
+BENCHMARK(replaceAll)->RangeMultiplier(10)->Range(1'000, kLarge);
+BENCHMARK(splitArgs)->RangeMultiplier(10)->Range(1'000, kLarge);

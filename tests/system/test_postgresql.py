@@ -11,6 +11,7 @@ from pathlib import Path
 import pytest
 from conftest import ROOT, members
 from conftest import server as collection_server
+from servers import PostgreSQL
 
 CATALOG = ROOT / "catalog/postgresql/mirel_catalog.sql"
 USER = pwd.getpwuid(os.geteuid()).pw_name
@@ -51,54 +52,26 @@ PAGES = """with pages (pages) as (select pg_relation_size('customer') / 8192 uni
   select sum(pg_relation_size(relid))::bigint / 8192 from pg_partition_tree('sale')) """
 
 
-class Server:
-    """A private server: its socket in `folder`, run by an account that is not root.
-
-    The newest one that Debian has installed, or the one whose programs are in MIREL_POSTGRESQL_BIN.
-    """
+class Server(PostgreSQL):
+    """With a second place to store tables, and data sources."""
 
     def __init__(self, folder):
-        self.programs = os.environ.get("MIREL_POSTGRESQL_BIN") or max(
-            Path("/usr/lib/postgresql").glob("*/bin"), key=lambda folder: float(folder.parent.name))
-        self.folder = folder
-        (self.folder / "größe").mkdir()
-        self.account = []
+        (folder / "größe").mkdir()
         if os.geteuid() == 0:
-            self.account = ["setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups"]
-            for folder in self.folder, self.folder / "größe":
-                shutil.chown(folder, "postgres", "postgres")
-        self.folder.chmod(0o755)
-        self.run("initdb", "-D", "data", "-U", "admin", "-k", "-E", "UTF8", "--locale=C.UTF-8", "--no-sync")
-        (self.folder / "data/pg_hba.conf").write_text("local all admin trust\nlocal all all peer\n")
-        self.start()
-        self.sources = {"ODBCSYSINI": str(self.folder), "ODBCINI": str(self.folder / "odbc.ini"),
-                        "PATH": f"{self.folder}:{os.environ['PATH']}"}
-        (self.folder / "odbcinst.ini").write_text("[PostgreSQL]\nDriver = psqlodbcw.so\nDebug = 0\nCommLog = 0\n")
+            shutil.chown(folder / "größe", "postgres", "postgres")
+        super().__init__(folder)
+        self.sources = {"ODBCSYSINI": str(folder), "ODBCINI": str(folder / "odbc.ini"),
+                        "PATH": f"{folder}:{os.environ['PATH']}"}
+        (folder / "odbcinst.ini").write_text("[PostgreSQL]\nDriver = psqlodbcw.so\nDebug = 0\nCommLog = 0\n")
         common = "Driver = PostgreSQL\nDatabase = shop\nServername ="
-        (self.folder / "odbc.ini").write_text(
-            f"[SHOP]\n{common} {self.folder}\n[CURSOR]\n{common} {self.folder}\nUseDeclareFetch = 1\nFetch = 100\n"
-            f"[NOWHERE]\n{common} {self.folder}/none\n")
+        (folder / "odbc.ini").write_text(
+            f"[SHOP]\n{common} {folder}\n[CURSOR]\n{common} {folder}\nUseDeclareFetch = 1\nFetch = 100\n"
+            f"[NOWHERE]\n{common} {folder}/none\n")
         for name in "kato", "katolevel", "katoset":
-            (self.folder / name).symlink_to("/bin/true")
-
-    def command(self, program, *arguments):
-        return [*self.account, f"{self.programs}/{program}", *arguments]
-
-    def run(self, program, *arguments):
-        subprocess.run(self.command(program, *arguments), cwd=self.folder, check=True, stdout=subprocess.DEVNULL)
-
-    def start(self):
-        self.run("pg_ctl", "-D", "data", "-l", "log", "-w", "-o", "-c listen_addresses='' -c fsync=off"
-                 f" -c unix_socket_directories={self.folder} -c autovacuum=off -c wal_level=logical"
-                 " -c max_wal_senders=7", "start")
-
-    def stop(self):
-        return self.command("pg_ctl", "-s", "-D", str(self.folder / "data"), "-m", "immediate", "stop")
+            (folder / name).symlink_to("/bin/true")
 
     def psql(self, script, *arguments, database="shop"):
-        command = ["psql", "-XqA", "-v", "ON_ERROR_STOP=1", "-h", self.folder, "-U", "admin", "-d", database, "-f", "-"]
-        return subprocess.run([*command, *arguments], input=script, check=True, stdout=subprocess.PIPE,
-                              encoding="utf-8").stdout
+        return super().psql(script, *arguments, database=database)
 
     def catalog(self, *arguments, database="shop"):
         return self.psql(CATALOG.read_text("utf-8"), *arguments, database=database)

@@ -12,9 +12,9 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, server
+import servers
+from conftest import server
 
-AS_ROOT = os.geteuid() == 0
 RULE = "-" * 30
 DOWNLOAD = "Downloading tarnconfig.json from 127.0.0.1...\nDone.\n"
 RAW = base64.b64encode(os.urandom(37_500_000))
@@ -29,35 +29,10 @@ def outcome(finished):
     return finished.returncode, finished.stdout.decode(), finished.stderr.decode()
 
 
-class Nginx:
-    def __init__(self, root, port):
-        self.store, self.port, self.template = root / "store", port, root / "template.json"
-
-    def stored(self):
-        return {path: path.read_bytes() for path in self.store.rglob("*") if path.is_file()}
-
-
 @pytest.fixture
 def nginx():
-    """The shipped configuration on a free port, as an unprivileged account where we are root."""
-    account = {"user": "nobody", "group": "nogroup", "extra_groups": []} if AS_ROOT else {}
-    with tempfile.TemporaryDirectory(prefix="mirel-server-") as folder, \
-            socket.create_server(("127.0.0.1", 0)) as free:
-        root, port = Path(folder), free.getsockname()[1]
-        free.close()
-        root.chmod(0o755)
-        for part in ("store", "run", "log"):
-            (root / part).mkdir()
-            if account:
-                shutil.chown(root / part, "nobody", "nogroup")
-        config = (ROOT / "deploy/collection-server/nginx.conf").read_text()
-        (root / "nginx.conf").write_text(config.replace("/srv/mirel", folder).replace("8081", str(port)))
-        with subprocess.Popen(["nginx", "-c", root / "nginx.conf", "-g", "daemon off;"], **account) as process:
-            while not (root / "run/nginx.pid").exists():
-                assert process.poll() is None, "nginx did not start"
-                time.sleep(0.02)
-            yield Nginx(root, port)
-            process.terminate()
+    with servers.nginx() as server_of_its_own:
+        yield server_of_its_own
 
 
 @pytest.mark.parametrize("size", [0, 1000, 3_000_000, 50_000_000])
@@ -155,6 +130,7 @@ def test_refusal_before_the_body_is_read(mirel, tmp_path):
     ("127.0.0.1", "1", "failed to connect"),
     ("", "8081", "failed to get hostname"),
     ("127.0.0.1", "abc", "failed to init node addr handle"),
+    ("127.0.0.1", "4294967297", "failed to init node addr handle"),
 ])
 def test_unreachable_servers(mirel, host, port, error):
     assert outcome(mirel("-zsh", host, "-p", port)) == (

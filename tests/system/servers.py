@@ -1,0 +1,84 @@
+"""Real servers, private to who starts them: PostgreSQL, and the collection server's nginx."""
+import os
+import shutil
+import socket
+import subprocess
+import tempfile
+import time
+from contextlib import contextmanager
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+AS_ROOT = os.geteuid() == 0
+
+
+class PostgreSQL:
+    """A private server: its socket in `folder`, run by an account that is not root.
+
+    The newest one that Debian has installed, or the one whose programs are in MIREL_POSTGRESQL_BIN.
+    """
+
+    def __init__(self, folder):
+        self.programs = os.environ.get("MIREL_POSTGRESQL_BIN") or max(
+            Path("/usr/lib/postgresql").glob("*/bin"), key=lambda folder: float(folder.parent.name))
+        self.folder = folder
+        self.account = []
+        if AS_ROOT:
+            self.account = ["setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups"]
+            shutil.chown(folder, "postgres", "postgres")
+        self.folder.chmod(0o755)
+        self.run("initdb", "-D", "data", "-U", "admin", "-k", "-E", "UTF8", "--locale=C.UTF-8", "--no-sync")
+        (self.folder / "data/pg_hba.conf").write_text("local all admin trust\nlocal all all peer\n")
+        self.start()
+
+    def command(self, program, *arguments):
+        return [*self.account, f"{self.programs}/{program}", *arguments]
+
+    def run(self, program, *arguments):
+        subprocess.run(self.command(program, *arguments), cwd=self.folder, check=True, stdout=subprocess.DEVNULL)
+
+    def start(self):
+        self.run("pg_ctl", "-D", "data", "-l", "log", "-w", "-o", "-c listen_addresses='' -c fsync=off"
+                 f" -c unix_socket_directories={self.folder} -c autovacuum=off -c wal_level=logical"
+                 " -c max_wal_senders=7", "start")
+
+    def stop(self):
+        return self.command("pg_ctl", "-s", "-D", str(self.folder / "data"), "-m", "immediate", "stop")
+
+    def psql(self, script, *arguments, database="postgres"):
+        command = ["psql", "-XqA", "-v", "ON_ERROR_STOP=1", "-h", self.folder, "-U", "admin", "-d", database, "-f", "-"]
+        return subprocess.run([*command, *arguments], input=script, check=True, stdout=subprocess.PIPE,
+                              encoding="utf-8").stdout
+
+
+class Nginx:
+    def __init__(self, root, port):
+        self.store, self.port, self.template = root / "store", port, root / "template.json"
+
+    def stored(self):
+        return {path: path.read_bytes() for path in self.store.rglob("*") if path.is_file()}
+
+
+@contextmanager
+def nginx():
+    """The shipped configuration on a free port, as an unprivileged account where we are root."""
+    account = {"user": "nobody", "group": "nogroup", "extra_groups": []} if AS_ROOT else {}
+    with tempfile.TemporaryDirectory(prefix="mirel-server-") as folder, \
+            socket.create_server(("127.0.0.1", 0)) as free:
+        root, port = Path(folder), free.getsockname()[1]
+        free.close()
+        root.chmod(0o755)
+        for part in ("store", "run", "log"):
+            (root / part).mkdir()
+            if account:
+                shutil.chown(root / part, "nobody", "nogroup")
+        config = (ROOT / "deploy/collection-server/nginx.conf").read_text()
+        (root / "nginx.conf").write_text(config.replace("/srv/mirel", folder).replace("8081", str(port)))
+        with subprocess.Popen(["nginx", "-c", root / "nginx.conf", "-g", "daemon off;"], **account) as process:
+            while not (root / "run/nginx.pid").exists():
+                assert process.poll() is None, "nginx did not start"
+                time.sleep(0.02)
+            try:
+                yield Nginx(root, port)
+            finally:
+                process.terminate()
