@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <initializer_list>
 
+#include "platform/host/mirel_host_heap.h"
 #include "platform/services.h"
 
 namespace {
@@ -43,6 +44,7 @@ unsigned int keepPlainLocale() {
 }  // namespace
 
 unsigned int ossOneTimeOnly() {
+  prepareHeap();
   for (const unsigned int code : {surviveFailingWrites(), keepPlainLocale(), openStandardDescriptors()}) {
     if (code != 0) {
       return code;

@@ -1,0 +1,190 @@
+#include "platform/host/mirel_host_heap.h"
+
+#include <malloc.h>
+#include <sys/single_threaded.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#include "platform/host/mirel_host_pages.h"
+
+namespace {
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define __SANITIZE_ADDRESS__ 1
+#endif
+#endif
+
+/// Sizes are those of blocks with their headers. Checkers of memory have to see every block by itself.
+#ifdef __SANITIZE_ADDRESS__
+constexpr unsigned long kLargestSmall = 0;
+#else
+constexpr unsigned long kLargestSmall = 512;
+#endif
+constexpr unsigned long kStep = 16;
+constexpr unsigned long kPage = 64UL << 10;
+constexpr unsigned long kFirstSlab = 4 * kPage;
+constexpr unsigned long kLargestSlab = 32UL << 20;
+
+/// Stands before every block, which begins at a multiple of 16.
+struct Header {
+  unsigned long size;
+};
+/// So this stands before every header.
+constexpr unsigned long kPadding = kStep - sizeof(Header);
+
+struct Unused {
+  Unused* next;
+};
+
+/// Begins at a multiple of its size; blocks of one size follow.
+struct Page {
+  Page* next;      ///< with room for blocks of the same size
+  Unused* unused;  ///< blocks that came back
+  char* rest;      ///< what was not cut into blocks yet
+  unsigned long used;
+
+  char* begin() { return reinterpret_cast<char*>(this) + sizeof(Page) + kPadding; }
+  bool hasRoom(unsigned long size) {
+    return unused != nullptr || rest + size <= reinterpret_cast<char*>(this) + kPage;
+  }
+};
+
+struct Heap {
+  Page* withRoom[kLargestSmall / kStep + 1];  ///< by size, in steps
+  char* slab;                                 ///< what was not cut into pages yet
+  unsigned long slabLeft;
+  unsigned long slabSize;
+  std::mutex mutex;
+};
+
+constinit Heap heap{};
+
+/// Holds the heap for one thread, when there are more.
+class HeapLock {
+ public:
+  HeapLock() : m_locked(!__libc_single_threaded) {
+    if (m_locked) {
+      heap.mutex.lock();
+    }
+  }
+  ~HeapLock() {
+    if (m_locked) {
+      heap.mutex.unlock();
+    }
+  }
+  HeapLock(const HeapLock&) = delete;
+  HeapLock& operator=(const HeapLock&) = delete;
+
+ private:
+  const bool m_locked;
+};
+
+bool addSlab() {
+  const unsigned long size = std::clamp(heap.slabSize * 2, kFirstSlab, kLargestSlab);
+  void* const slab = std::aligned_alloc(size >= kLargeBlock ? kLargePage : kPage, size);
+  if (slab == nullptr) {
+    return false;
+  }
+  adviseLargePages(slab, size);
+  heap.slab = static_cast<char*>(slab);
+  heap.slabLeft = heap.slabSize = size;
+  return true;
+}
+
+Page* addPage() {
+  if (heap.slabLeft == 0 && !addSlab()) {
+    return nullptr;
+  }
+  heap.slabLeft -= kPage;
+  Page* const page = new (std::exchange(heap.slab, heap.slab + kPage)) Page{};
+  page->rest = page->begin();
+  return page;
+}
+
+void* takeSmall(unsigned long size) {
+  const HeapLock lock;
+  Page*& withRoom = heap.withRoom[size / kStep];
+  if (withRoom == nullptr && (withRoom = addPage()) == nullptr) {
+    return nullptr;
+  }
+  Page* const page = withRoom;
+  ++page->used;
+  void* const block = page->unused != nullptr
+                          ? std::exchange(page->unused, page->unused->next)
+                          : static_cast<void*>(std::exchange(page->rest, page->rest + size));
+  if (!page->hasRoom(size)) {
+    withRoom = page->next;
+  }
+  return block;
+}
+
+void giveSmall(void* block, unsigned long size) {
+  const HeapLock lock;
+  Page* const page = reinterpret_cast<Page*>(reinterpret_cast<unsigned long>(block) / kPage * kPage);
+  const bool wasFull = !page->hasRoom(size);
+  if (--page->used == 0) {
+    page->unused = nullptr;
+    page->rest = page->begin();
+  } else {
+    page->unused = new (block) Unused{page->unused};
+  }
+  if (wasFull) {
+    page->next = std::exchange(heap.withRoom[size / kStep], page);
+  }
+}
+
+void* takeLarge(unsigned long size, bool zeroed) {
+  const unsigned long padded = size + kPadding;
+  void* const block = zeroed ? std::calloc(1, padded) : std::malloc(padded);
+  if (block == nullptr) {
+    return nullptr;
+  }
+  adviseLargePages(block, padded);
+  return static_cast<char*>(block) + kPadding;
+}
+
+void giveLarge(void* header) {
+  std::free(static_cast<char*>(header) - kPadding);
+}
+
+}  // namespace
+
+void prepareHeap() {
+  mallopt(M_MMAP_THRESHOLD, kLargeBlock);
+  mallopt(M_TRIM_THRESHOLD, 2 * kLargeBlock);
+}
+
+void* takeBlock(unsigned long size, bool zeroed) {
+  if (size > ~0UL / 2) {
+    return nullptr;
+  }
+  const unsigned long whole = (size + sizeof(Header) + kStep - 1) / kStep * kStep;
+  void* const taken = whole <= kLargestSmall ? takeSmall(whole) : takeLarge(whole, zeroed);
+  if (taken == nullptr) {
+    return nullptr;
+  }
+  auto* const header = new (taken) Header{whole};
+  if (zeroed && whole <= kLargestSmall) {
+    memset(header + 1, 0, size);
+  }
+  return header + 1;
+}
+
+void giveBlock(void* block) {
+  if (block == nullptr) {
+    return;
+  }
+  Header* const header = static_cast<Header*>(block) - 1;
+  const unsigned long size = header->size;
+  if (size <= kLargestSmall) {
+    giveSmall(header, size);
+  } else {
+    giveLarge(header);
+  }
+}
