@@ -30,7 +30,7 @@ mirel_string HttpClient::get(const mirel_string& path) {
   request.append(" HTTP/1.1\r\nHost: ");
   request.append(m_localName);
   request.append("\r\n\r\n");
-  const mirel_string response = exchange(request.take());
+  const mirel_string response = exchange(request.take(), "");
   // Not found plus 4 is position 3.
   const unsigned long body = response.find("\r\n\r\n", 0) + 4;
   return response.c_str() + std::min(body, response.length());
@@ -45,17 +45,16 @@ mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body
   request.append("\r\nContent-Length: ");
   request.append(mirel_string(body.length()));
   request.append("\r\n\r\n");
-  request.append(body);
-  return exchange(request.take());
+  return exchange(request.take(), body);
 }
 
-mirel_string HttpClient::exchange(const mirel_string& request) {
+mirel_string HttpClient::exchange(const mirel_string& head, const mirel_string& body) {
   // A request that lost a part of itself is none.
   if (memoryRanOut || !m_socket.open(m_host, m_port)) {
     return "";
   }
   // Also when the request did not go out whole: the server may have said why.
-  m_socket.send(request);
+  m_socket.send(head, body);
   mirel_string response = m_socket.recv();
   m_socket.close();
   return response;

@@ -20,8 +20,8 @@ class HttpClient {
   mirel_string post(const mirel_string& path, const mirel_string& body);
 
  private:
-  /// Connects, sends the request, receives the response, closes.
-  mirel_string exchange(const mirel_string& request);
+  /// Connects, sends the request in its two parts, receives the response, closes.
+  mirel_string exchange(const mirel_string& head, const mirel_string& body);
 
   Socket m_socket;
   mirel_string m_host;

@@ -19,6 +19,21 @@ bool failed(const char* message) {
   return false;
 }
 
+/// `count` bytes of both texts as if they were one; in `joined` when they are of both.
+const char* chunkAt(unsigned long offset, unsigned long count, const mirel_string& data,
+                    const mirel_string& more, char* joined) {
+  if (offset >= data.length()) {
+    return more.c_str() + (offset - data.length());
+  }
+  const unsigned long first = std::min(count, data.length() - offset);
+  if (first == count) {
+    return data.c_str() + offset;
+  }
+  memcpy(joined, data.c_str() + offset, first);
+  memcpy(joined + first, more.c_str(), count - first);
+  return joined;
+}
+
 }  // namespace
 
 bool Socket::open(const mirel_string& host, unsigned long port) {
@@ -39,16 +54,18 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   return true;
 }
 
-bool Socket::send(const mirel_string& data) {
+bool Socket::send(const mirel_string& data, const mirel_string& more) {
+  const unsigned long total = data.length() + more.length();
   unsigned long offset = 0;
-  while (offset < data.length()) {
-    const unsigned long chunk = std::min(kChunk, data.length() - offset);
+  while (offset < total) {
+    const unsigned long count = std::min(kChunk, total - offset);
+    char joined[kChunk];
+    const char* const chunk = chunkAt(offset, count, data, more, joined);
     unsigned int sent = 0;
-    const unsigned int code =
-        sqloPdbSendBuffer(m_socket, data.c_str() + offset, static_cast<unsigned int>(chunk), &sent);
+    const unsigned int code = sqloPdbSendBuffer(m_socket, chunk, static_cast<unsigned int>(count), &sent);
     // A success that takes nothing would be repeated for ever.
     if (code != 0 || sent == 0) {
-      std::cout << "failed to send: " << mirel_string(data.c_str() + offset, chunk) << std::endl;
+      std::cout << "failed to send: " << mirel_string(chunk, count) << std::endl;
       return false;
     }
     offset += sent;
