@@ -15,6 +15,7 @@
 #include "collectors/mirel_collectors_system.h"
 #include "db/mirel_db_connection.h"
 #include "json/mirel_json_value.h"
+#include "platform/services.h"
 
 namespace {
 
@@ -40,6 +41,7 @@ unsigned long work(int count, char** arguments) {
 }  // namespace
 
 int main(int count, char** arguments) {
+  ossOneTimeOnly();
   const unsigned long made = work(count, arguments);
   std::printf("%lu %lu\n", made, peak());
   return made > 0 ? 0 : 1;

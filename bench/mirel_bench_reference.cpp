@@ -1,4 +1,5 @@
-/// What a user would pick instead: a JSON library known for its speed, and plain loops.
+/// What a user would pick instead: a JSON library known for its speed, and plain loops. A program of its own,
+/// with nothing of ours in it.
 
 #include <benchmark/benchmark.h>
 #include <rapidjson/document.h>
@@ -11,6 +12,9 @@
 
 #include "bench/mirel_bench_document.h"
 #include "bench/mirel_bench_output.h"
+#include "bench/mirel_bench_rows.h"
+#include "bench/mirel_bench_server.h"
+#include "bench/mirel_bench_sql_bare.h"
 
 namespace {
 
@@ -35,17 +39,17 @@ void writeRapidJson(benchmark::State& state) {
 }
 
 /// A command's output, read as the manual page of fgets(3) suggests, escaped and quoted.
-void executePlain(benchmark::State& state, const char* lineLength) {
-  const std::string command = output(state.range(0), lineLength);
+void executePlain(benchmark::State& state, std::string (*output)(long)) {
+  const std::string command = output(state.range(0));
   for (auto round : state) {
-    std::string output;
+    std::string printed;
     FILE* stream = popen(command.c_str(), "r");
     for (char piece[128]; fgets(piece, sizeof piece, stream) != nullptr;) {
-      output += piece;
+      printed += piece;
     }
     pclose(stream);
     std::string text = "\"";
-    for (char character : output) {
+    for (char character : printed) {
       if (character == '\n') {
         text += "\\n";
       } else {
@@ -57,9 +61,42 @@ void executePlain(benchmark::State& state, const char* lineLength) {
   }
 }
 
+void bareLoop(benchmark::State& state, const char* dataSource) {
+  const std::string sql = rowsQuery(dataSource, std::to_string(state.range(0)));
+  for (auto round : state)
+    benchmark::DoNotOptimize(bareRows(dataSource, sql));
+}
+
+void bareSends(benchmark::State& state) {
+  const std::string document(static_cast<unsigned long>(state.range(0)), 'x');
+  const std::string request = "POST /tarn HTTP/1.1\r\nHost: h\r\nConnection: close\r\nContent-Length: " +
+                              std::to_string(document.size()) + "\r\n\r\n" + document;
+  Server server(document.size());
+  char answer[1024];
+  for (auto round : state) {
+    const int peer = socket(AF_INET, SOCK_STREAM, 0);
+    if (connect(peer, server.address(), sizeof(sockaddr_in)) != 0) {
+      state.SkipWithError("no connection");
+    }
+    for (std::size_t offset = 0; offset < request.size(); offset += 1024) {
+      send(peer, request.data() + offset, std::min<std::size_t>(1024, request.size() - offset), MSG_NOSIGNAL);
+    }
+    while (recv(peer, answer, sizeof answer, 0) > 0) {
+    }
+    close(peer);
+  }
+}
+
 }  // namespace
 
 BENCHMARK(parseRapidJson)->Arg(10'000)->Arg(100'000'000);
 BENCHMARK(writeRapidJson)->Arg(10'000)->Arg(100'000'000);
-BENCHMARK_CAPTURE(executePlain, shortLines, "60")->Arg(10'000)->Arg(100'000'000)->UseRealTime();
-BENCHMARK_CAPTURE(executePlain, oneLine, "1000000000")->Arg(10'000)->Arg(100'000'000)->UseRealTime();
+BENCHMARK_CAPTURE(executePlain, shortLines, shortLines)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
+BENCHMARK_CAPTURE(executePlain, oneLine, oneLine)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
+BENCHMARK_CAPTURE(bareLoop, sqlite, "SQLITE")->RangeMultiplier(10)->Range(10'000, 1'000'000)->UseRealTime();
+BENCHMARK_CAPTURE(bareLoop, postgresql, "POSTGRESQL")
+    ->RangeMultiplier(10)
+    ->Range(10'000, 1'000'000)
+    ->UseRealTime();
+BENCHMARK(bareSends)->Arg(10'000)->UseRealTime();
+BENCHMARK(bareSends)->Arg(50'000'000)->Iterations(3)->UseRealTime();

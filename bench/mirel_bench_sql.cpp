@@ -32,18 +32,10 @@ void sqlArray(benchmark::State& state, const char* dataSource) {
     benchmark::DoNotOptimize(collectedRows(dataSource, sql));
 }
 
-void bareLoop(benchmark::State& state, const char* dataSource) {
-  const std::string sql = rowsQuery(dataSource, std::to_string(state.range(0)));
-  for (auto round : state)
-    benchmark::DoNotOptimize(bareRows(dataSource, sql));
-}
-
 constexpr long kFew = 10'000;
 constexpr long kMany = 1'000'000;
 
 }  // namespace
 
-BENCHMARK_CAPTURE(bareLoop, sqlite, "SQLITE")->RangeMultiplier(10)->Range(kFew, kMany)->UseRealTime();
 BENCHMARK_CAPTURE(sqlArray, sqlite, "SQLITE")->RangeMultiplier(10)->Range(kFew, kMany)->UseRealTime();
-BENCHMARK_CAPTURE(bareLoop, postgresql, "POSTGRESQL")->RangeMultiplier(10)->Range(kFew, kMany)->UseRealTime();
 BENCHMARK_CAPTURE(sqlArray, postgresql, "POSTGRESQL")->RangeMultiplier(10)->Range(kFew, kMany)->UseRealTime();

@@ -49,9 +49,12 @@ void cloneTree(benchmark::State& state) {
     std::unique_ptr<Value>(root->clone());
 }
 
-/// One evaluated copy of a value in which every text is looked at.
+/// One evaluated copy of a value full of commands.
 void forEach(benchmark::State& state) {
-  KeyValuePair pair("$foreach table [rows]", documentOf(state).release());
+  const std::string group = R"("group": {"name": "native table name", "rows": "native table rows",
+                               "columns": "native table columns", "organization": "native table organization"})";
+  const std::string groups = repeated(group + ", ", state.range(0)) + group;
+  KeyValuePair pair("$foreach table [groups]", JsonParser().parse(("{" + groups + "}").c_str()));
   Generator generator;
   for (auto round : state)
     std::unique_ptr<Value>(generator.cloneAndRun(&pair));
@@ -71,8 +74,8 @@ void splitArgs(benchmark::State& state) {
     benchmark::DoNotOptimize(Generator::split_args(text, mirel_string::npos));
 }
 
-void execute(benchmark::State& state, const char* lineLength) {
-  const mirel_string command(output(state.range(0), lineLength).c_str());
+void execute(benchmark::State& state, std::string (*output)(long)) {
+  const mirel_string command(output(state.range(0)).c_str());
   for (auto round : state)
     benchmark::DoNotOptimize(PrimitiveValue(executeGet(command)).stringify(0));
 }
@@ -84,8 +87,8 @@ constexpr long kLarge = 100'000'000;
 
 BENCHMARK(parse)->Arg(kSmall)->Arg(kLarge);
 BENCHMARK(write)->Arg(kSmall)->Arg(kLarge);
-BENCHMARK_CAPTURE(execute, shortLines, "60")->Arg(kSmall)->Arg(kLarge)->UseRealTime();
-BENCHMARK_CAPTURE(execute, oneLine, "1000000000")->Arg(kLarge)->UseRealTime();
+BENCHMARK_CAPTURE(execute, shortLines, shortLines)->Arg(kSmall)->Arg(kLarge)->UseRealTime();
+BENCHMARK_CAPTURE(execute, oneLine, oneLine)->Arg(kLarge)->UseRealTime();
 
 BENCHMARK(cloneTree)->RangeMultiplier(10)->Range(1'000, kLarge);
 BENCHMARK(forEach)->RangeMultiplier(10)->Range(1'000, kLarge);

@@ -27,7 +27,8 @@ class PostgreSQL:
             self.account = ["setpriv", "--reuid=postgres", "--regid=postgres", "--clear-groups"]
             shutil.chown(folder, "postgres", "postgres")
         self.folder.chmod(0o755)
-        self.run("initdb", "-D", "data", "-U", "admin", "-k", "-E", "UTF8", "--locale=C.UTF-8", "--no-sync")
+        self.run("initdb", "-D", "data", "-U", "admin", "-k", "-E", "UTF8", "--locale=C.UTF-8", "--no-sync",
+                 "--auth=peer")
         (self.folder / "data/pg_hba.conf").write_text("local all admin trust\nlocal all all peer\n")
         self.start()
 
