@@ -1,5 +1,6 @@
 """Each call of the system that the program itself makes fails once, in turn, through a preloaded library."""
 import re
+import subprocess
 from contextlib import contextmanager
 from errno import EACCES, EAGAIN, ECONNRESET, EINTR, EIO, EMFILE, ENOMEM, ENOSPC
 from http.server import BaseHTTPRequestHandler, HTTPServer
@@ -14,7 +15,7 @@ HOST = {"open": [EINTR, EACCES, EMFILE], "read": [EINTR, HALF, EIO], "close": [E
         "fgets": [EINTR], "write": [EINTR, HALF, ENOSPC], "fsync": [EINTR, EIO]}
 NETWORK = {"socket": [EMFILE], "connect": [EINTR, ECONNRESET], "send": [EINTR, EAGAIN, HALF, ECONNRESET],
            "recv": [EINTR, EAGAIN, HALF, ECONNRESET], "poll": [EINTR, ENOMEM], "popen": [ENOMEM]}
-MEMORY = {"_Znwm": [ENOMEM], "malloc": [ENOMEM]}  # operator new calls the latter where the C++ library is linked in
+MEMORY = {"_Znwm": [ENOMEM], "malloc": [ENOMEM]}
 
 
 @pytest.fixture
@@ -65,7 +66,10 @@ def test_printing_and_writing(mirel, torture, tmp_path):
                 printed, stable(expected.stdout), expected.stderr), fault
 
 
-# The facts of the host are gathered in standard containers, below what the torture of the core reaches.
+# The facts of the host are gathered in standard containers, below what the torture of the core reaches. Where the
+# program brings its own memory (all builds but the one with sanitizers), nothing of that can be made to fail one by one.
+@pytest.mark.skipif(" U _Znwm" not in subprocess.run(["nm", "-D", BUILD / "mirel"], capture_output=True, text=True,
+                                                     check=False).stdout, reason="has an operator new of its own")
 def test_collecting_without_memory(torture):
     for fault, _, result in torture(MEMORY, "-z", "-d", "NONE"):
         assert result.returncode == 0, fault
