@@ -21,9 +21,10 @@ mirel_string collectedRows(const char* dataSource, const std::string& sql) {
 }
 
 void sqlArray(benchmark::State& state, const char* dataSource) {
+  // Ours first: it keeps a library in memory that the driver would leak into otherwise.
   const std::string few = rowsQuery(dataSource, "3");
-  const std::string wanted = bareRows(dataSource, few);
-  if (wanted.empty() || !(collectedRows(dataSource, few) == wanted.c_str())) {
+  const mirel_string ours = collectedRows(dataSource, few);
+  if (ours.length() < few.length() || !(ours == bareRows(dataSource, few).c_str())) {
     state.SkipWithError("the two ways differ");
     return;
   }
