@@ -40,6 +40,9 @@ class mirel_string_builder {
   /// Takes the last `count` characters back, at most all.
   void removeLast(unsigned long count) { m_length -= count < m_length ? count : m_length; }
 
+  /// Makes room for `more` characters at once.
+  void expect(unsigned long more) { reserve(more); }
+
   /// Until `endMeasuring`, what is appended is only counted; then there is room for that much.
   void startMeasuring() { m_measuring = true; }
   void endMeasuring();

@@ -1,5 +1,6 @@
 #include "common/mirel_string.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <ostream>
@@ -144,7 +145,7 @@ mirel_string mirel_string::upper() const {
   return result;
 }
 
-mirel_string mirel_string::substr(unsigned long position, unsigned long length) const {
+mirel_string mirel_string::substr(unsigned long position, unsigned long length) const& {
   if (position >= m_capacity || length == 0) {
     return nullptr;
   }
@@ -156,6 +157,19 @@ mirel_string mirel_string::substr(unsigned long position, unsigned long length) 
   copyBounded(temporary, m_buffer + position, count + 1);
   mirel_string result(temporary);
   releaseText(temporary);
+  return result;
+}
+
+mirel_string mirel_string::substr(unsigned long position, unsigned long length) && {
+  if (position >= m_length || length == 0) {
+    return nullptr;
+  }
+  const unsigned long count = std::min(length, m_length - position);
+  memmove(m_buffer, m_buffer + position, count);
+  memset(m_buffer + count, 0, kTail);
+  mirel_string result(m_buffer, count, count + kTail);
+  m_buffer = nullptr;
+  m_capacity = m_length = 0;
   return result;
 }
 

@@ -50,7 +50,9 @@ class mirel_string {
   mirel_string upper() const;
 
   /// `length` characters from `position` on, fewer at the end of the text.
-  mirel_string substr(unsigned long position, unsigned long length) const;
+  mirel_string substr(unsigned long position, unsigned long length) const&;
+  /// The same in the block of a text that is not needed any more.
+  mirel_string substr(unsigned long position, unsigned long length) &&;
 
   /// Position of the first `needle` at or after `from`, ignoring letter case; `npos` when there is none.
   unsigned long find(const mirel_string& needle, unsigned long from) const;

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "common/mirel_common_builder.h"
@@ -30,10 +29,10 @@ mirel_string HttpClient::get(const mirel_string& path) {
   request.append(" HTTP/1.1\r\nHost: ");
   request.append(m_localName);
   request.append("\r\n\r\n");
-  const mirel_string response = exchange(request.take(), "");
+  mirel_string response = exchange(request.take(), "");
   // Not found plus 4 is position 3.
   const unsigned long body = response.find("\r\n\r\n", 0) + 4;
-  return response.c_str() + std::min(body, response.length());
+  return std::move(response).substr(body, mirel_string::npos);
 }
 
 mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body) {

@@ -10,6 +10,10 @@ class HttpResponse {
  public:
   /// Looks at the next bytes; whether the response is complete.
   bool receive(const char* bytes, unsigned long count);
+  /// How many more bytes of the body, or of its current chunk, are announced.
+  unsigned long announced() const {
+    return m_state == State::body || m_state == State::chunk ? m_remaining : 0;
+  }
 
  private:
   enum class State { statusLine, header, body, chunkSize, chunk, chunkEnd, trailer, untilClose, complete };

@@ -11,6 +11,8 @@ namespace {
 
 constexpr unsigned long kChunk = 1024;
 constexpr int kWaitSeconds = 5;
+/// Of what a response announces, room for this many bytes is made before they come.
+constexpr unsigned long kTrusted = 64UL << 20;
 /// The platform takes 32 bits; a larger number must not turn into another port.
 constexpr unsigned long kLargest = 0xffffffff;
 
@@ -77,13 +79,17 @@ mirel_string Socket::recv() {
   mirel_string_builder text;
   HttpResponse response;
   char buffer[kChunk + 1];
-  for (bool more = true; more;) {
+  for (bool more = true, announced = false; more;) {
     unsigned int received = 0;
     const unsigned int code = sqloPdbRecvBuffer(m_socket, buffer, kChunk, &received, kWaitSeconds, 0);
     const unsigned long count = std::min<unsigned long>(received, kChunk);
     text.append(buffer, strnlen(buffer, count));
     // A wait that ran out is no error and brought nothing. Errors would come again for ever.
     more = !response.receive(buffer, count) && code == 0;
+    if (!announced && response.announced() > 0) {
+      text.expect(std::min(response.announced(), kTrusted));
+      announced = true;
+    }
   }
   return text.take();
 }
