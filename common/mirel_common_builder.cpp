@@ -1,6 +1,7 @@
 #include "common/mirel_common_builder.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "common/mirel_common_memory.h"
 
@@ -28,7 +29,7 @@ void mirel_string_builder::append(unsigned long count, char character) {
 
 void mirel_string_builder::endMeasuring() {
   m_measuring = false;
-  resize(m_length + m_measured);
+  resize(std::exchange(m_measured, 0));
 }
 
 bool mirel_string_builder::grow(unsigned long more) {

@@ -43,7 +43,8 @@ class mirel_string_builder {
   /// Makes room for `more` characters at once.
   void expect(unsigned long more) { reserve(more); }
 
-  /// Until `endMeasuring`, what is appended is only counted; then there is room for that much.
+  /// On an empty builder: until `endMeasuring`, what is appended is only counted, at least as much as it is;
+  /// then there is room for that.
   void startMeasuring() { m_measuring = true; }
   void endMeasuring();
 

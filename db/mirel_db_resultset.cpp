@@ -3,9 +3,7 @@
 #include <cstring>
 #include <utility>
 
-#include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
-#include "json/mirel_json_writer.h"
 
 namespace {
 
@@ -68,30 +66,18 @@ bool ResultSet::readColumn(unsigned short column) {
   if (static_cast<int>(indicator) == SQL_NULL_DATA) {
     memcpy(buffer, "NULL", sizeof "NULL");
   }
-  appendValue(buffer, firstWord(buffer));
+  m_values.append(buffer, firstWord(buffer));
   return true;
-}
-
-void ResultSet::appendValue(const char* value, unsigned long length) {
-  if (endOfPlain(value, value + length) == value + length) {
-    m_values.insert(m_values.end(), value, value + length);
-  } else {
-    const mirel_string escaped = escapeJson(mirel_string(value, length));
-    m_values.insert(m_values.end(), escaped.c_str(), escaped.c_str() + escaped.length());
-  }
-  m_values.push_back('\n');
 }
 
 /// Rows whose columns could all be read share their columns' names.
 ObjectValue* ResultSet::rowOfPresent() const {
-  const unsigned long length = m_values.empty() ? 0 : m_values.size() - 1;
-  const mirel_string values(m_values.data(), length);
   if (m_present.size() == m_columns->names().size()) {
-    return new ObjectValue(Row(m_columns, values));
+    return new ObjectValue(m_values.row(m_columns));
   }
   std::vector<mirel_string> names;
   for (unsigned short column : m_present) {
     names.push_back(m_columns->names()[column - 1u]);
   }
-  return new ObjectValue(Row(std::make_shared<const RowColumns>(std::move(names)), values));
+  return new ObjectValue(m_values.row(std::make_shared<const RowColumns>(std::move(names))));
 }

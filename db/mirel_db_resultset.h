@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "common/mirel_string.h"
+#include "json/mirel_json_row.h"
 #include "platform/sqlcli.h"
 
 class ObjectValue;
-class RowColumns;
 
 /// The columns and rows of an executed statement, which it does not own.
 ///
@@ -31,7 +31,6 @@ class ResultSet {
 
  private:
   bool readColumn(unsigned short column);
-  void appendValue(const char* value, unsigned long length);
   ObjectValue* rowOfPresent() const;
 
   short m_cols = 0;
@@ -40,6 +39,6 @@ class ResultSet {
   SQLHANDLE m_stmt;
   std::shared_ptr<const RowColumns> m_columns;  ///< the columns' names
   std::vector<unsigned int> m_sizes;
-  std::vector<char> m_values;             ///< of the current row, escaped, a line feed behind each
+  RowValues m_values;                     ///< of the current row
   std::vector<unsigned short> m_present;  ///< the columns, counted from 1, that these values belong to
 };

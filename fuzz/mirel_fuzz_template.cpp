@@ -44,7 +44,7 @@ bool comesBack(const mirel_string& text) {
   return backslash == nullptr;
 }
 
-/// The same for a whole tree: no empty containers either. Asks rows of queries for their members.
+/// The same for a whole tree: no empty containers either. Asks rows for their members.
 bool comesBack(const Value* value) {
   if (const auto* array = dynamic_cast<const ArrayValue*>(value)) {
     bool whole = array->size() > 0;

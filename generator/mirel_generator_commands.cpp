@@ -5,11 +5,23 @@
 #include "collectors/mirel_collectors_system.h"
 #include "generator/mirel_generator_walk.h"
 
+namespace {
+
+unsigned long runsOfBlanks(const mirel_string& text) {
+  unsigned long runs = 0;
+  const char* const characters = text.c_str();
+  for (unsigned long i = 1; i < text.length(); ++i) {
+    runs += characters[i] == ' ' && characters[i - 1] != ' ' ? 1 : 0;
+  }
+  return runs;
+}
+
+}  // namespace
+
 std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsigned long limit) {
   const char* rest = text.c_str();
-  const auto blanks = static_cast<unsigned long>(std::count(rest, rest + text.length(), ' '));
   std::vector<mirel_string> words;
-  words.reserve(std::min(limit, blanks) + 1);
+  words.reserve(std::min(limit, runsOfBlanks(text)) + 1);
   rest += strspn(rest, " ");
   for (unsigned long cuts = 0; cuts < limit; ++cuts) {
     const char* blank = strchr(rest, ' ');

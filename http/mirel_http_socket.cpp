@@ -13,8 +13,6 @@ constexpr unsigned long kChunk = 1024;
 constexpr int kWaitSeconds = 5;
 /// Of what a response announces, room for this many bytes is made before they come.
 constexpr unsigned long kTrusted = 64UL << 20;
-/// The platform takes 32 bits; a larger number must not turn into another port.
-constexpr unsigned long kLargest = 0xffffffff;
 
 bool failed(const char* message) {
   std::cerr << message << std::endl;
@@ -22,17 +20,17 @@ bool failed(const char* message) {
 }
 
 /// `count` bytes of both texts as if they were one; in `joined` when they are of both.
-const char* chunkAt(unsigned long offset, unsigned long count, const mirel_string& data,
-                    const mirel_string& more, char* joined) {
-  if (offset >= data.length()) {
-    return more.c_str() + (offset - data.length());
+const char* chunkAt(unsigned long offset, unsigned long count, const mirel_string& head,
+                    const mirel_string& body, char* joined) {
+  if (offset >= head.length()) {
+    return body.c_str() + (offset - head.length());
   }
-  const unsigned long first = std::min(count, data.length() - offset);
+  const unsigned long first = std::min(count, head.length() - offset);
   if (first == count) {
-    return data.c_str() + offset;
+    return head.c_str() + offset;
   }
-  memcpy(joined, data.c_str() + offset, first);
-  memcpy(joined + first, more.c_str(), count - first);
+  memcpy(joined, head.c_str() + offset, first);
+  memcpy(joined + first, body.c_str(), count - first);
   return joined;
 }
 
@@ -46,8 +44,7 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0) {
     return failed("failed to get hostname");
   }
-  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(std::min(port, kLargest))) !=
-      0) {
+  if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0) {
     return failed("failed to init node addr handle");
   }
   if (sqloPdbConnectSocket(m_socket, &m_addr) != 0) {
@@ -56,13 +53,13 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   return true;
 }
 
-bool Socket::send(const mirel_string& data, const mirel_string& more) {
-  const unsigned long total = data.length() + more.length();
+bool Socket::send(const mirel_string& head, const mirel_string& body) {
+  const unsigned long total = head.length() + body.length();
   unsigned long offset = 0;
   while (offset < total) {
     const unsigned long count = std::min(kChunk, total - offset);
     char joined[kChunk];
-    const char* const chunk = chunkAt(offset, count, data, more, joined);
+    const char* const chunk = chunkAt(offset, count, head, body, joined);
     unsigned int sent = 0;
     const unsigned int code = sqloPdbSendBuffer(m_socket, chunk, static_cast<unsigned int>(count), &sent);
     // A success that takes nothing would be repeated for ever.

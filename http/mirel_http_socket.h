@@ -20,9 +20,9 @@ class Socket {
  public:
   bool open(const mirel_string& host, unsigned long port);
 
-  /// Sends the text, and what follows it, as one in chunks of at most 1,024 bytes. A chunk that cannot be
+  /// Sends both texts as one in chunks of at most 1,024 bytes. A chunk that cannot be
   /// sent is shown on standard output and ends the sending.
-  bool send(const mirel_string& data, const mirel_string& more = "");
+  bool send(const mirel_string& head, const mirel_string& body = "");
 
   /// One HTTP response, as it came: everything until it is complete, the peer closes, or the connection
   /// fails. A NUL byte costs the rest of its read (at most 1,024 bytes). Waits as long as the peer lives.

@@ -13,6 +13,8 @@ using enum JsonTokenType;
 
 constexpr const char* TokenStrings[] = {"{", "}", "[", "]", ",", ":", "string"};
 constexpr unsigned long kDeepest = 1000;
+/// Objects in a row that are unlike the one before; then the array counts as mixed.
+constexpr int kMissesAllowed = 8;
 
 const char* nameOf(JsonTokenType type) {
   return TokenStrings[static_cast<int>(type)];
@@ -72,14 +74,17 @@ bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
     --m_depth;
     return true;
   }
-  std::unique_ptr<RowReader> rows;  // from the second element on, when the first is an object
+  std::unique_ptr<RowReader> rows;  // of objects like the last one that was read member by member
+  int misses = 0;
   bool more = true;
   do {
-    if (array->size() == 1) {
-      rows = rowsLike((*array)[0]);
-    }
     std::unique_ptr<Value> element;
-    more = parseRow(rows.get(), &element) || parseValue(&element);
+    if (parseRow(rows.get(), &element)) {
+      misses = 0;
+    } else {
+      more = parseValue(&element);
+      rows = ++misses <= kMissesAllowed ? rowsLike(element.get()) : nullptr;
+    }
     array->push_back(element.release());
   } while (more && nextTokenIs(comma) && consume());
   return close(closeBracket);
@@ -198,7 +203,7 @@ bool JsonParser::recognise() {
 bool JsonParser::recogniseString() {
   const char* const inputEnd = m_input.c_str() + m_input.length();
   const RawString found = scanString(m_input.c_str() + m_position + 1, inputEnd);
-  if (found.end() >= inputEnd && inputEnd[-1] != '"') {
+  if (found.end() == inputEnd && inputEnd[-1] != '"') {
     m_position = m_input.length();
     return false;
   }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "common/mirel_common_builder.h"
+#include "json/mirel_json_scan.h"
 #include "json/mirel_json_writer.h"
 
 namespace {
@@ -63,4 +64,17 @@ void Row::write(mirel_string_builder& out, unsigned long indent) const {
     value = end == valuesEnd ? end : end + 1;
   }
   out.removeLast(atMost - static_cast<unsigned long>(to - begin));
+}
+
+void RowValues::append(const char* text, unsigned long length) {
+  if (endOfPlain(text, text + length) == text + length) {
+    appendPlain(text, length);
+  } else {
+    const mirel_string escaped = escapeJson(mirel_string(text, length));
+    appendPlain(escaped.c_str(), escaped.length());
+  }
+}
+
+Row RowValues::row(std::shared_ptr<const RowColumns> columns) const {
+  return {std::move(columns), mirel_string(m_values.data(), m_values.empty() ? 0 : m_values.size() - 1)};
 }

@@ -30,21 +30,39 @@ class RowColumns {
   unsigned long m_headsLength = 0;
 };
 
-/// One row: a value for every column.
+/// One row: a value for every column. `RowValues` makes them.
 class Row {
  public:
-  /// The values stand one after the other, escaped as they are written, with a line feed between them: no
-  /// escaped text holds one.
-  Row(std::shared_ptr<const RowColumns> columns, mirel_string values)
-      : m_columns(std::move(columns)), m_values(std::move(values)) {}
-
   const RowColumns& columns() const { return *m_columns; }
-  /// A column's value, counted from 0, with its escapes undone. Linear in the row's length.
+  /// The values, one a column, with their escapes undone.
   std::vector<mirel_string> values() const;
   /// Appends the members as an object writes them, each with its separator; `indent` levels deep.
   void write(mirel_string_builder& out, unsigned long indent) const;
 
  private:
+  friend class RowValues;
+  Row(std::shared_ptr<const RowColumns> columns, mirel_string values)
+      : m_columns(std::move(columns)), m_values(std::move(values)) {}
+
   std::shared_ptr<const RowColumns> m_columns;
+  /// One after the other, escaped as they are written, with a line feed between them: no escaped text has
+  /// one.
   mirel_string m_values;
+};
+
+/// Gathers the values of one row after the other.
+class RowValues {
+ public:
+  void clear() { m_values.clear(); }
+  void append(const char* text, unsigned long length);
+  /// The same for a text that is known to be written as it is.
+  void appendPlain(const char* text, unsigned long length) {
+    m_values.insert(m_values.end(), text, text + length);
+    m_values.push_back('\n');
+  }
+  /// The row of what was appended since `clear`, a value for each of the columns.
+  Row row(std::shared_ptr<const RowColumns> columns) const;
+
+ private:
+  std::vector<char> m_values;  ///< a line feed behind each
 };

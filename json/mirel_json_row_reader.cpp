@@ -1,11 +1,11 @@
 #include "json/mirel_json_row_reader.h"
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 #include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
-#include "json/mirel_json_writer.h"
 
 namespace {
 
@@ -39,6 +39,12 @@ struct Cursor {
   }
 };
 
+/// Escapes that overlap multiply a text when they are undone; that should not happen twice.
+bool mayMultiply(const RawString& value) {
+  constexpr std::string_view overlap = "\\\\\\";
+  return std::string_view(value.contents, value.length).find(overlap) != std::string_view::npos;
+}
+
 }  // namespace
 
 RowReader::RowReader(const ObjectValue& example) {
@@ -70,10 +76,12 @@ bool RowReader::read(const char* text, const char* end) {
     }
     const RawString value = scanString(cursor.at, end);
     if (value.plain) {
-      append(value.contents, value.length);
+      m_values.appendPlain(value.contents, value.length);
+    } else if (mayMultiply(value)) {
+      return false;
     } else {
-      const mirel_string escaped = escapeJson(value.text());
-      append(escaped.c_str(), escaped.length());
+      const mirel_string undone = value.text();
+      m_values.append(undone.c_str(), undone.length());
     }
     cursor.at = value.end() + 1;
     if (cursor.at >= end || !cursor.take(column + 1 < names.size() ? ',' : '}')) {
@@ -87,10 +95,5 @@ bool RowReader::read(const char* text, const char* end) {
 }
 
 Row RowReader::row() const {
-  return {m_columns, mirel_string(m_values.data(), m_values.size() - 1)};
-}
-
-void RowReader::append(const char* value, unsigned long length) {
-  m_values.insert(m_values.end(), value, value + length);
-  m_values.push_back('\n');
+  return m_values.row(m_columns);
 }

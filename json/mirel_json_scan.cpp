@@ -43,7 +43,7 @@ mirel_string RawString::text() const {
 RawString scanString(const char* contents, const char* end) {
   const char* at = endOfPlain(contents, end);
   RawString found{contents, 0, false, at != end && *at == '"'};
-  for (; at < end && *at != '"'; ++at) {
+  for (; at != end && *at != '"'; ++at) {
     if (*at == '\\') {
       found.escaped = true;
       at += at[1] == '"' ? 1 : 0;

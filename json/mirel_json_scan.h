@@ -1,6 +1,5 @@
 #pragma once
-/// What the readers and the writer of JSON text know about its characters. Every text ends with a NUL and
-/// holds no other.
+/// What the readers and the writer of JSON text know about its characters.
 
 #include "common/mirel_string.h"
 
@@ -18,13 +17,13 @@ struct RawString {
   const char* contents = "";  ///< what is between the quotes
   unsigned long length = 0;
   bool escaped = false;  ///< whether a backslash is among it, ...
-  bool plain = true;     ///< ... or anything that is not written as it is
+  bool plain = true;     ///< ... and whether all of it is written as it is; not so without a closing quote
 
   const char* end() const { return contents + length; }
   /// With its escapes undone as `reverseEscape` does (json/mirel_json_writer.h).
   mirel_string text() const;
 };
 
-/// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end` or
-/// behind it.
+/// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end`, where a
+/// NUL stands: the only one.
 RawString scanString(const char* contents, const char* end);

@@ -5,7 +5,8 @@
 /// an empty container with an empty line between its brackets. Every scalar is written as a string.
 /// Four characters are escaped: backslash, line feed, carriage return, double quote. Everything else goes
 /// out as it is, so a tab or another control byte stands raw in the text (RFC 8259 would have it escaped),
-/// and so do bytes above 127. Cost: one pass, linear in the text.
+/// and so do bytes above 127. Cost: two passes, the first
+/// to measure; linear in the text.
 
 #include "common/mirel_string.h"
 
@@ -19,7 +20,7 @@ mirel_string escapeJson(const mirel_string& text);
 void appendEscaped(mirel_string_builder& out, const mirel_string& text);
 void appendEscaped(mirel_string_builder& out, const char* text, unsigned long length);
 
-/// Undoes exactly what `escapeJson` did.
+/// Undoes what `escapeJson` did, and is given nothing else.
 mirel_string unescapeJson(const char* text, unsigned long length);
 
 /// Undoes the escapes of a text somebody else wrote, one kind after the other: doubled backslashes first,

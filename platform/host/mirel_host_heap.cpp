@@ -14,14 +14,8 @@
 
 namespace {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define __SANITIZE_ADDRESS__ 1
-#endif
-#endif
-
 /// Sizes are those of blocks with their headers. Checkers of memory have to see every block by itself.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef MIREL_CHECKED_MEMORY
 constexpr unsigned long kLargestSmall = 0;
 #else
 constexpr unsigned long kLargestSmall = 512;
@@ -51,7 +45,8 @@ struct Page {
 
   char* begin() { return reinterpret_cast<char*>(this) + sizeof(Page) + kPadding; }
   bool hasRoom(unsigned long size) {
-    return unused != nullptr || rest + size <= reinterpret_cast<char*>(this) + kPage;
+    return unused != nullptr ||
+           size <= static_cast<unsigned long>(reinterpret_cast<char*>(this) + kPage - rest);
   }
 };
 
@@ -85,9 +80,17 @@ class HeapLock {
   const bool m_locked;
 };
 
+void* alignedSlab(unsigned long size) {
+  return std::aligned_alloc(size >= kLargeBlock ? kLargePage : kPage, size);
+}
+
 bool addSlab() {
-  const unsigned long size = std::clamp(heap.slabSize * 2, kFirstSlab, kLargestSlab);
-  void* const slab = std::aligned_alloc(size >= kLargeBlock ? kLargePage : kPage, size);
+  unsigned long size = std::clamp(heap.slabSize * 2, kFirstSlab, kLargestSlab);
+  void* slab = alignedSlab(size);
+  while (slab == nullptr && size > kPage) {  // little is left; a page will do
+    size /= 2;
+    slab = alignedSlab(size);
+  }
   if (slab == nullptr) {
     return false;
   }

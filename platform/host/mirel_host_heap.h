@@ -5,6 +5,15 @@
 /// come from pages of blocks of one size, which are filled from one end to the other, and again when all of
 /// their blocks came back; pages stay until the process ends. Large blocks are malloc's.
 
+// Checkers of memory have to see every block by itself, and bring an operator new of their own.
+#if defined(__SANITIZE_ADDRESS__)
+#define MIREL_CHECKED_MEMORY
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define MIREL_CHECKED_MEMORY
+#endif
+#endif
+
 /// Has malloc keep what texts of a medium size were made in, instead of giving it back page by page to take
 /// it again; once, before large blocks are taken.
 void prepareHeap();

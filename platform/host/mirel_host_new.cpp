@@ -1,18 +1,11 @@
-// The program's operator new: nodes and containers come from the same blocks as texts do. Only the program's;
-// database drivers keep their own.
+// The program's operator new: nodes and containers come from the same blocks as texts do. In a release, which
+// has the C++ runtime linked in, it is the program's only: database drivers keep their own.
 
 #include <new>
 
 #include "platform/host/mirel_host_heap.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define __SANITIZE_ADDRESS__ 1
-#endif
-#endif
-
-// A checker of memory brings its own.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef MIREL_CHECKED_MEMORY
 
 void* operator new(std::size_t size) {
   void* const block = takeBlock(size, false);

@@ -38,7 +38,8 @@ unsigned int surviveFailingWrites() {
 /// Database drivers set the locale of the process to that of the environment. The thread has one of its own,
 /// so letter case stays that of ASCII. Nothing is allocated for "C".
 unsigned int keepPlainLocale() {
-  return uselocale(newlocale(LC_ALL_MASK, "C", nullptr)) != nullptr ? 0 : static_cast<unsigned int>(errno);
+  const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+  return plain != nullptr && uselocale(plain) != nullptr ? 0 : static_cast<unsigned int>(errno);
 }
 
 }  // namespace
