@@ -1,4 +1,6 @@
 // What stands in cases.txt: functions of the host that tell their arguments only.
+#include <algorithm>
+
 #include "platform/host/mirel_host_statement.h"
 #include "platform/host/mirel_host_sysinfo_text.h"
 #include "platform/host/mirel_host_utf8.h"
@@ -14,32 +16,21 @@ const SqloLongOption LONG_OPTIONS[] = {
     {"support", false, 'z'}, {"name", true, 'n'},    {nullptr, false, 0},
 };
 
-struct Options {
-  explicit Options(Arguments line) : words(std::move(line)) {
-    for (std::string& word : words) {
-      arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-  }
-
-  int next() {
-    return sqlogopt(static_cast<int>(words.size()), arguments.data(), "d:o:szn:", &state, LONG_OPTIONS);
-  }
-
-  /// One word an option: its letter and its argument.
-  std::string all() {
-    std::string text;
-    for (int letter = next(); letter != -1; letter = next()) {
-      text += std::string(text.empty() ? "" : " ") + static_cast<char>(letter);
-      text += state.argument != nullptr ? "=" + std::string(state.argument) : "";
-    }
-    return text + (next() == -1 ? "" : " goes on");
-  }
-
-  Arguments words;
-  std::vector<char*> arguments;
+/// One word an option: its letter and its argument.
+std::string options(Arguments words) {
+  std::vector<char*> arguments(words.size() + 1);
+  std::ranges::transform(words, arguments.begin(), [](std::string& word) { return word.data(); });
   SqloOptionState state = {};
-};
+  const auto next = [&] {
+    return sqlogopt(static_cast<int>(words.size()), arguments.data(), "d:o:szn:", &state, LONG_OPTIONS);
+  };
+  std::string text;
+  for (int letter = next(); letter != -1; letter = next()) {
+    text += std::string(text.empty() ? "" : " ") + static_cast<char>(letter);
+    text += state.argument != nullptr ? "=" + std::string(state.argument) : "";
+  }
+  return text + (next() == -1 ? "" : " goes on");
+}
 
 template <class Answer>
 std::string show(const std::optional<Answer>& answer, std::string (*text)(Answer)) {
@@ -58,7 +49,7 @@ TEST(Host, AnswersItsCases) {
   expectCases(
       MIREL_HOST "/cases.txt",
       {
-          {"options", [](A a) { return Options(a).all(); }},
+          {"options", options},
           {"adapt", [](A a) { return adaptStatement(a[2], dialectOf(a[0], a[1])).value_or("as it is"); }},
           {"quoted", [](A a) { return QuotedNames(a[1], dialectOf(a[0], "")).include(a[2]) ? "yes" : "no"; }},
           {"cut", [](A a) { return cut(a[0], std::stoul(a[1])); }},

@@ -28,6 +28,20 @@ def mirel(tmp_path):
     return run
 
 
+@pytest.fixture
+def commands(tmp_path):
+    """Makes commands of shell texts in the empty directory; gives the environment that finds them."""
+
+    def make(**texts):
+        (tmp_path / "bin").mkdir(exist_ok=True)
+        for name, text in texts.items():
+            (tmp_path / "bin" / name).write_text(f"#!/bin/sh\n{text}\n")
+            (tmp_path / "bin" / name).chmod(0o755)
+        return {"PATH": f"{tmp_path}/bin:{os.environ['PATH']}"}
+
+    return make
+
+
 def members(text):
     """A result document as nested lists of (key, value) pairs: order and duplicate keys are kept."""
     return json.loads(text, object_pairs_hook=list, strict=False)

@@ -12,14 +12,10 @@ BYTES = bytes(range(256))
 
 
 @pytest.fixture
-def host(tmp_path):
+def host(tmp_path, commands):
     """An instance whose commands are these shell texts; runs something there and gives what it printed."""
-    def run(*command, environment=None, **commands):
-        (tmp_path / "bin").mkdir(exist_ok=True)
-        for name in ("kato", "katolevel", "katoset", "ifconfig"):
-            (tmp_path / "bin" / name).write_text(f"#!/bin/sh\n{commands.get(name, '')}\n")
-            (tmp_path / "bin" / name).chmod(0o755)
-        variables = {"PATH": f"{tmp_path}/bin:/usr/bin:/bin", **(environment or {})}
+    def run(*command, **texts):
+        variables = commands(**{"kato": "", "katolevel": "", "katoset": "", "ifconfig": "", **texts})
         result = subprocess.run(command, cwd=tmp_path, env=variables, capture_output=True, timeout=60, check=True)
         return result.stdout.decode(errors="surrogateescape"), result.stderr.decode()
     return run
@@ -46,7 +42,9 @@ def test_endless_output_costs_the_document_only_where_memory_is_short(host, tmp_
     assert ("x" * 200_000_000 in printed) == (tmp_path / "out").exists() == bool(printed) == whole
 
 
-@pytest.mark.parametrize("make", ["true", "mkdir", "mkfifo", "truncate -s 4T", "ln -s /dev/zero", "ln -s /proc/self/mem"])
+@pytest.mark.parametrize("make", [
+    "true", "mkdir", "mkfifo", "truncate -s 4T", "ln -s /dev/zero", "ln -s /proc/self/mem",
+    "ln -s /proc/self/pagemap"])
 def test_files_that_cannot_be_read(host, make):
     host("sh", "-c", make + " katonodes.cfg")
     printed, errors = host("prlimit", "--as=1000000000", RELEASE / "mirel", "-z")

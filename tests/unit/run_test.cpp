@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iomanip>
@@ -12,15 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using Lines = std::vector<std::string>;
-
-template <class Action>
-auto with(Lines arguments, Action action) {
-  std::vector<char*> pointers = {const_cast<char*>("mirel")};
-  for (std::string& argument : arguments)
-    pointers.push_back(argument.data());
-  pointers.push_back(nullptr);
-  return action(static_cast<int>(pointers.size()) - 1, pointers.data());
-}
 
 std::string contentsOf(const fs::path& file) {
   std::ifstream stream(file);
@@ -85,7 +77,11 @@ std::map<std::string, std::string> runIn(const fs::path& folder, const std::stri
   std::string call;
   for (long nth, code; stream >> std::quoted(call) >> nth >> code;)
     platform.fail(call, nth, code);
-  EXPECT_EQ(0, with(linesOf(contentsOf(folder / "arguments")), run));
+  Lines arguments = linesOf(contentsOf(folder / "arguments"));
+  arguments.insert(arguments.begin(), "mirel");
+  std::vector<char*> pointers(arguments.size() + 1);
+  std::ranges::transform(arguments, pointers.begin(), [](std::string& word) { return word.data(); });
+  EXPECT_EQ(0, run(static_cast<int>(arguments.size()), pointers.data()));
   EXPECT_EQ("", platform.open()) << folder << ' ' << faults;
   std::string sent;
   for (const std::string& request : platform.sent)
