@@ -23,11 +23,11 @@ std::string repeated(const std::string& piece, long size) {
   return text;
 }
 
-std::unique_ptr<Value> documentOf(const benchmark::State& state) {
-  return std::unique_ptr<Value>(JsonParser().parse(document(state.range(0)).c_str()));
+std::unique_ptr<Value> parsed(const std::string& text) {
+  return std::unique_ptr<Value>(JsonParser().parse(text.c_str()));
 }
 
-void parse(benchmark::State& state) {
+void parse(benchmark::State& state, std::string (*document)(long)) {
   const mirel_string text(document(state.range(0)).c_str());
   for (auto round : state) {
     state.PauseTiming();  // the parser takes its text over
@@ -37,14 +37,14 @@ void parse(benchmark::State& state) {
   }
 }
 
-void write(benchmark::State& state) {
-  const std::unique_ptr<Value> root = documentOf(state);
+void write(benchmark::State& state, std::string (*document)(long)) {
+  const std::unique_ptr<Value> root = parsed(document(state.range(0)));
   for (auto round : state)
     benchmark::DoNotOptimize(root->stringify(0));
 }
 
-void cloneTree(benchmark::State& state) {
-  const std::unique_ptr<Value> root = documentOf(state);
+void cloneRows(benchmark::State& state) {
+  const std::unique_ptr<Value> root = parsed(document(state.range(0)));
   for (auto round : state)
     std::unique_ptr<Value>(root->clone());
 }
@@ -85,12 +85,14 @@ constexpr long kLarge = 100'000'000;
 
 }  // namespace
 
-BENCHMARK(parse)->Arg(kSmall)->Arg(kLarge);
-BENCHMARK(write)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK_CAPTURE(parse, rows, document)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK_CAPTURE(parse, mixed, mixedDocument)->Arg(kLarge);
+BENCHMARK_CAPTURE(write, rows, document)->Arg(kSmall)->Arg(kLarge);
+BENCHMARK_CAPTURE(write, mixed, mixedDocument)->Arg(kLarge);
 BENCHMARK_CAPTURE(execute, shortLines, shortLines)->Arg(kSmall)->Arg(kLarge)->UseRealTime();
 BENCHMARK_CAPTURE(execute, oneLine, oneLine)->Arg(kLarge)->UseRealTime();
 
-BENCHMARK(cloneTree)->RangeMultiplier(10)->Range(1'000, kLarge);
+BENCHMARK(cloneRows)->RangeMultiplier(10)->Range(1'000, kLarge);
 BENCHMARK(forEach)->RangeMultiplier(10)->Range(1'000, kLarge);
 BENCHMARK(replaceAll)->RangeMultiplier(10)->Range(1'000, kLarge);
 BENCHMARK(splitArgs)->RangeMultiplier(10)->Range(1'000, kLarge);
