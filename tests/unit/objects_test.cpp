@@ -5,6 +5,7 @@
 #include "db/mirel_db_connection.h"
 #include "generator/mirel_generator_walk.h"
 #include "json/mirel_json_parser.h"
+#include "json/mirel_json_writer.h"
 #include "tests/unit/fake_platform.h"
 #include "tests/unit/values.h"
 
@@ -33,6 +34,7 @@ TEST_F(Objects, MembersAreFoundCopiedAndWritten) {
       "{\n  \"a\": [\n    \"1\",\n    \"null\"\n  ],\n  \"a\": {\n\n  },\n  \"n\": \"null\",\n  \"n\": "
       "\"3\"\n}";
   EXPECT_EQ(text + text, (std::ostringstream() << copy.get() << *copy).str());
+  EXPECT_STREQ("\"a\\\"\"    ", (PrimitiveValue("a\"").stringify(1) + indent(2)).c_str());
 }
 
 // The configuration record stays as it is when the next database's file cannot be read.
