@@ -1,7 +1,6 @@
 """Each call of the system that the program itself makes fails once, in turn, through a preloaded library."""
 import re
 import subprocess
-from contextlib import contextmanager
 from errno import EACCES, EAGAIN, ECONNRESET, EINTR, EIO, EMFILE, ENOMEM, ENOSPC
 from http.server import BaseHTTPRequestHandler, HTTPServer
 from threading import Thread
