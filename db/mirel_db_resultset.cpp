@@ -1,7 +1,6 @@
 #include "db/mirel_db_resultset.h"
 
 #include <cstring>
-#include <utility>
 
 #include "json/mirel_json_value.h"
 
@@ -18,11 +17,9 @@ unsigned long firstWord(const char* buffer) {
 
 }  // namespace
 
-ResultSet::ResultSet(SQLHANDLE statement)
-    : m_stmt(statement), m_columns(std::make_shared<const RowColumns>(std::vector<mirel_string>())) {}
+ResultSet::ResultSet(SQLHANDLE statement) : m_stmt(statement) {}
 
 void ResultSet::getCols() {
-  std::vector<mirel_string> names;
   SQLNumResultCols(m_stmt, &m_cols);
   for (int column = 1; column <= m_cols; ++column) {
     char name[kBufferSize] = {};
@@ -33,10 +30,9 @@ void ResultSet::getCols() {
     short nullable = 0;
     SQLDescribeCol(m_stmt, static_cast<unsigned short>(column), name, kBufferSize, &nameLength, &dataType,
                    &columnSize, &decimalDigits, &nullable);
-    names.emplace_back(name, kBufferSize);
+    m_names.emplace_back(name, kBufferSize);
     m_sizes.push_back(static_cast<unsigned int>(columnSize));
   }
-  m_columns = std::make_shared<const RowColumns>(std::move(names));
 }
 
 ObjectValue* ResultSet::fetch() {
@@ -45,39 +41,26 @@ ObjectValue* ResultSet::fetch() {
     return new ObjectValue("");
   }
   ++m_rows;
-  m_values.clear();
-  m_present.clear();
+  m_row.clear();
   for (int column = 1; column <= m_cols; ++column) {
-    if (readColumn(static_cast<unsigned short>(column))) {
-      m_present.push_back(static_cast<unsigned short>(column));
-    }
+    readColumn(static_cast<unsigned short>(column));
   }
-  return rowOfPresent();
+  return new ObjectValue(m_row.folded());
 }
 
-bool ResultSet::readColumn(unsigned short column) {
+void ResultSet::readColumn(unsigned short column) {
   char buffer[kBufferSize];
   buffer[0] = '\0';
   long indicator = 0;
   if (!sqlSucceeded(SQLGetData(m_stmt, column, SQL_C_CHAR, buffer, kBufferSize, &indicator))) {
-    return false;
+    return;
   }
   // Drivers differ in the width of the indicator; its low 32 bits are what counts.
   if (static_cast<int>(indicator) == SQL_NULL_DATA) {
     memcpy(buffer, "NULL", sizeof "NULL");
   }
-  m_values.append(buffer, firstWord(buffer));
-  return true;
-}
-
-/// Rows whose columns could all be read share their columns' names.
-ObjectValue* ResultSet::rowOfPresent() const {
-  if (m_present.size() == m_columns->names().size()) {
-    return new ObjectValue(m_values.row(m_columns));
-  }
-  std::vector<mirel_string> names;
-  for (unsigned short column : m_present) {
-    names.push_back(m_columns->names()[column - 1u]);
-  }
-  return new ObjectValue(m_values.row(std::make_shared<const RowColumns>(std::move(names))));
+  const mirel_string& name = m_names[column - 1u];
+  m_row.next();
+  m_row.key(name.c_str(), name.length());
+  m_row.text(buffer, firstWord(buffer));
 }

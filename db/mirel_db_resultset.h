@@ -1,10 +1,9 @@
 #pragma once
 
-#include <memory>
 #include <vector>
 
 #include "common/mirel_string.h"
-#include "json/mirel_json_row.h"
+#include "json/mirel_json_folded.h"
 #include "platform/sqlcli.h"
 
 class ObjectValue;
@@ -30,15 +29,13 @@ class ResultSet {
   bool done() const { return m_done; }
 
  private:
-  bool readColumn(unsigned short column);
-  ObjectValue* rowOfPresent() const;
+  void readColumn(unsigned short column);
 
   short m_cols = 0;
   bool m_done = false;
   unsigned long m_rows = 0;
   SQLHANDLE m_stmt;
-  std::shared_ptr<const RowColumns> m_columns;  ///< the columns' names
+  std::vector<mirel_string> m_names;
   std::vector<unsigned int> m_sizes;
-  RowValues m_values;                     ///< of the current row
-  std::vector<unsigned short> m_present;  ///< the columns, counted from 1, that these values belong to
+  MemberLines m_row;  ///< the current one
 };

@@ -44,7 +44,7 @@ bool comesBack(const mirel_string& text) {
   return backslash == nullptr;
 }
 
-/// The same for a whole tree: no empty containers either. Asks rows for their members.
+/// The same for a whole tree: no empty containers either. Unfolds objects.
 bool comesBack(const Value* value) {
   if (const auto* array = dynamic_cast<const ArrayValue*>(value)) {
     bool whole = array->size() > 0;
@@ -68,7 +68,7 @@ void checkWriting(const Value* root) {
   const mirel_string text = root->stringify(0);
   require(std::unique_ptr<Value>(root->clone())->stringify(0) == text, "a clone prints the same");
   const bool whole = comesBack(root);
-  require(root->stringify(0) == text, "a row prints the same as its members");
+  require(root->stringify(0) == text, "folded members print the same as nodes");
   if (whole) {
     const std::unique_ptr<Value> again = parse(text);
     require(again && again->stringify(0) == text, "what was written reads back");

@@ -4,7 +4,6 @@
 #include <iostream>
 #include <utility>
 
-#include "json/mirel_json_row_reader.h"
 #include "json/mirel_json_value.h"
 
 namespace {
@@ -13,27 +12,20 @@ using enum JsonTokenType;
 
 constexpr const char* TokenStrings[] = {"{", "}", "[", "]", ",", ":", "string"};
 constexpr unsigned long kDeepest = 1000;
-/// Objects in a row that are unlike the one before; then the array counts as mixed.
-constexpr int kMissesAllowed = 8;
 
 const char* nameOf(JsonTokenType type) {
   return TokenStrings[static_cast<int>(type)];
 }
 
-/// Reads objects like the value; null when it is none.
-std::unique_ptr<RowReader> rowsLike(const Value* value) {
-  const auto* object = dynamic_cast<const ObjectValue*>(value);
-  return object == nullptr ? nullptr : std::make_unique<RowReader>(*object);
-}
-
 }  // namespace
 
-JsonParser::JsonParser() : m_formerText(""), m_input("") {}
+JsonParser::JsonParser() : m_formerText(""), m_input(""), m_folds(nullptr) {}
 
 Value* JsonParser::parse(mirel_string text) {
   m_formerText = m_token.string.text();
   m_token.string = {m_formerText.c_str(), m_formerText.length()};
   m_input = std::move(text);
+  m_folds = FoldReader(m_input.c_str() + m_input.length());
   m_line = 1;
   m_lineBegin = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
@@ -74,16 +66,11 @@ bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
     --m_depth;
     return true;
   }
-  std::unique_ptr<RowReader> rows;  // of objects like the last one that was read member by member
-  int misses = 0;
   bool more = true;
   do {
     std::unique_ptr<Value> element;
-    if (parseRow(rows.get(), &element)) {
-      misses = 0;
-    } else {
+    if (!parseFolded(&element)) {
       more = parseValue(&element);
-      rows = ++misses <= kMissesAllowed ? rowsLike(element.get()) : nullptr;
     }
     array->push_back(element.release());
   } while (more && nextTokenIs(comma) && consume());
@@ -115,18 +102,18 @@ bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
   return true;
 }
 
-bool JsonParser::parseRow(RowReader* reader, std::unique_ptr<Value>* out) {
+bool JsonParser::parseFolded(std::unique_ptr<Value>* out) {
   const char* const text = m_input.c_str();
-  if (reader == nullptr || m_depth == kDeepest || !nextTokenIs(openBrace) ||
-      !reader->read(text + m_position, text + m_input.length())) {
+  if (m_depth + FoldReader::kDeepest > kDeepest || !nextTokenIs(openBrace) ||
+      !m_folds.read(text + m_position)) {
     return false;
   }
-  *out = std::make_unique<ObjectValue>(reader->row());
-  if (reader->lines() > 0) {
-    m_line += reader->lines();
-    m_lineBegin = static_cast<unsigned long>(reader->lastLine() - text);
+  *out = std::make_unique<ObjectValue>(m_folds.folded());
+  if (m_folds.lines() > 0) {
+    m_line += m_folds.lines();
+    m_lineBegin = static_cast<unsigned long>(m_folds.lastLine() - text);
   }
-  m_position = static_cast<unsigned long>(reader->after() - text);
+  m_position = static_cast<unsigned long>(m_folds.after() - text);
   m_token.type = closeBrace;
   return true;
 }
@@ -202,7 +189,8 @@ bool JsonParser::recognise() {
 
 bool JsonParser::recogniseString() {
   const char* const inputEnd = m_input.c_str() + m_input.length();
-  const RawString found = scanString(m_input.c_str() + m_position + 1, inputEnd);
+  RawString found;
+  scanString(m_input.c_str() + m_position + 1, inputEnd, &found);
   if (found.end() == inputEnd && inputEnd[-1] != '"') {
     m_position = m_input.length();
     return false;

@@ -20,10 +20,10 @@
 #include <memory>
 
 #include "common/mirel_string.h"
+#include "json/mirel_json_fold_reader.h"
 #include "json/mirel_json_scan.h"
 
 class KeyValuePair;
-class RowReader;
 class Value;
 
 /// The kinds of token; error lines print them by their names in `TokenStrings`.
@@ -50,8 +50,8 @@ class JsonParser {
   bool parsePair(std::unique_ptr<KeyValuePair>* out);
   bool parseValue(std::unique_ptr<Value>* out);
 
-  /// An object that the reader, if there is one, takes for a row; false when nothing was read.
-  bool parseRow(RowReader* reader, std::unique_ptr<Value>* out);
+  /// An object that can be folded; false when nothing was read.
+  bool parseFolded(std::unique_ptr<Value>* out);
 
   /// Consumes the opening bracket of a container, unless it is nested too deep.
   void open(JsonTokenType bracket);
@@ -79,6 +79,7 @@ class JsonParser {
   unsigned long m_lineBegin = 0;  ///< where it begins; columns are counted from there
   unsigned long m_position = 0;   ///< next character of the input
   mirel_string m_input;
+  FoldReader m_folds;
   unsigned long m_depth = 0;                  ///< containers that are open
   unsigned long m_seen = mirel_string::npos;  ///< position that was looked at last, ...
   bool m_seenToken = false;                   ///< ... and whether a token stands there

@@ -1,5 +1,6 @@
 #include "json/mirel_json_scan.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -7,26 +8,54 @@
 
 namespace {
 
+// Eight characters at a time, in the order of memory.
+using Eight = std::uint64_t;
+constexpr Eight kEach = ~Eight{0} / 255;
+
+Eight load(const char* text) {
+  Eight characters = 0;
+  memcpy(&characters, text, sizeof characters);
+  return characters;
+}
+
+/// Sets the highest bit of each of the characters that is the wanted one, and no other bit.
+Eight marks(Eight characters, char wanted) {
+  constexpr Eight kLow = kEach * 0x7f;
+  const Eight differences = characters ^ (kEach * static_cast<unsigned char>(wanted));
+  return ~(((differences & kLow) + kLow) | differences | kLow);
+}
+
+/// How many characters stand before the first one that has a bit set.
+int before(Eight bits) {
+  return (std::endian::native == std::endian::little ? std::countr_zero(bits) : std::countl_zero(bits)) / 8;
+}
+
 bool isPlain(char character) {
   return character != '\\' && character != '"' && character != '\n' && character != '\r';
 }
 
-/// Not 0 when one of the eight characters is the wanted one.
-std::uint64_t holds(std::uint64_t characters, char wanted) {
-  constexpr std::uint64_t kOnes = ~0UL / 255;
-  const std::uint64_t differences = characters ^ (kOnes * static_cast<unsigned char>(wanted));
-  return (differences - kOnes) & ~differences & (kOnes << 7);
-}
-
 }  // namespace
+
+const char* endOfSpaces(const char* text, const char* end) {
+  for (; end - text >= 8; text += 8) {
+    const Eight others = load(text) ^ (kEach * ' ');
+    if (others != 0) {
+      return text + before(others);
+    }
+  }
+  while (text != end && *text == ' ') {
+    ++text;
+  }
+  return text;
+}
 
 const char* endOfPlain(const char* text, const char* end) {
   for (; end - text >= 8; text += 8) {
-    std::uint64_t characters = 0;
-    memcpy(&characters, text, sizeof characters);
-    if ((holds(characters, '\\') | holds(characters, '"') | holds(characters, '\n') |
-         holds(characters, '\r')) != 0) {
-      break;
+    const Eight characters = load(text);
+    const Eight special =
+        marks(characters, '\\') | marks(characters, '"') | marks(characters, '\n') | marks(characters, '\r');
+    if (special != 0) {
+      return text + before(special);
     }
   }
   while (text != end && isPlain(*text)) {
@@ -36,19 +65,23 @@ const char* endOfPlain(const char* text, const char* end) {
 }
 
 mirel_string RawString::text() const {
-  const mirel_string result(contents, length);
-  return escaped ? reverseEscape(result) : result;
+  return asWritten ? unescapeJson(contents, length) : reverseEscape({contents, length});
 }
 
-RawString scanString(const char* contents, const char* end) {
+void scanString(const char* contents, const char* end, RawString* found) {
+  found->contents = contents;
+  found->asWritten = true;
   const char* at = endOfPlain(contents, end);
-  RawString found{contents, 0, false, at != end && *at == '"'};
-  for (; at != end && *at != '"'; ++at) {
+  while (at != end && *at != '"') {
     if (*at == '\\') {
-      found.escaped = true;
-      at += at[1] == '"' ? 1 : 0;
+      const bool again = at[1] == '"' || at[1] == 'n' || at[1] == 'r';
+      found->asWritten = found->asWritten && again;
+      at += again ? 2 : 1;
+    } else {
+      found->asWritten = false;
+      ++at;
     }
+    at = endOfPlain(at, end);
   }
-  found.length = static_cast<unsigned long>(at - contents);
-  return found;
+  found->length = static_cast<unsigned long>(at - contents);
 }

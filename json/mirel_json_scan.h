@@ -8,6 +8,8 @@ inline bool isBlank(char character) {
   return character == ' ' || character == '\n' || character == '\r' || character == '\t';
 }
 
+/// Where the run of spaces ends, at most at `end`.
+const char* endOfSpaces(const char* text, const char* end);
 /// Where the run of characters that are written as they are ends: before a backslash, line feed, carriage
 /// return or double quote, and at most at `end`.
 const char* endOfPlain(const char* text, const char* end);
@@ -16,8 +18,7 @@ const char* endOfPlain(const char* text, const char* end);
 struct RawString {
   const char* contents = "";  ///< what is between the quotes
   unsigned long length = 0;
-  bool escaped = false;  ///< whether a backslash is among it, ...
-  bool plain = true;     ///< ... and whether all of it is written as it is; not so without a closing quote
+  bool asWritten = true;  ///< whether its text, escaped again, is the same
 
   const char* end() const { return contents + length; }
   /// With its escapes undone as `reverseEscape` does (json/mirel_json_writer.h).
@@ -26,4 +27,4 @@ struct RawString {
 
 /// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end`, where a
 /// NUL stands: the only one.
-RawString scanString(const char* contents, const char* end);
+void scanString(const char* contents, const char* end, RawString* found);

@@ -1,5 +1,6 @@
 #include "json/mirel_json_value.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -90,38 +91,36 @@ void KeyValuePair::accept(JsonVisitor& visitor) {
   visitor.visit(this);
 }
 
-ObjectValue::ObjectValue(mirel_string name) : m_name(std::move(name)) {}
+ObjectValue::ObjectValue(mirel_string name) : m_members(Members{std::move(name), {}}) {}
 
-ObjectValue::ObjectValue(Row row) : m_name(""), m_row(new Row(std::move(row))) {}
+ObjectValue::ObjectValue(FoldedMembers members) : m_members(std::move(members)) {}
 
 // As with arrays, the members come into a whole object.
-ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue(other.m_name) {
-  m_row.reset(other.m_row ? new Row(*other.m_row) : nullptr);
-  m_members.reserve(other.m_members.size());
-  for (const KeyValuePair* member : other.m_members) {
+ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue("") {
+  const auto& [name, values] = other.unfolded();
+  unfolded().name = name;
+  unfolded().values.reserve(values.size());
+  for (const KeyValuePair* member : values) {
     addValue(new KeyValuePair(member->getKey(), cloneOf(member->getValue())));
   }
 }
 
 ObjectValue::~ObjectValue() {
-  for (KeyValuePair* member : m_members) {
-    delete member;
+  if (const auto* members = std::get_if<Members>(&m_members)) {
+    for (KeyValuePair* member : members->values) {
+      delete member;
+    }
   }
 }
 
-const std::vector<KeyValuePair*>& ObjectValue::getValues() const {
-  unpack();
-  return m_members;
-}
-
 bool ObjectValue::empty() const {
-  return m_row ? m_row->columns().names().empty() : m_members.empty();
+  const auto* folded = std::get_if<FoldedMembers>(&m_members);
+  return folded != nullptr ? folded->empty() : getValues().empty();
 }
 
 void ObjectValue::addValue(KeyValuePair* member) {
   std::unique_ptr<KeyValuePair> owned(member);
-  unpack();
-  m_members.push_back(member);
+  unfolded().values.push_back(member);
   static_cast<void>(owned.release());
 }
 
@@ -154,20 +153,18 @@ Value* ObjectValue::release(const mirel_string& key) {
   return member == nullptr ? nullptr : member->releaseValue();
 }
 
-void ObjectValue::unpack() const {
-  const std::unique_ptr<const Row> row = std::move(m_row);
-  if (!row) {
-    return;
+ObjectValue::Members& ObjectValue::unfolded() const {
+  if (const auto* folded = std::get_if<FoldedMembers>(&m_members)) {
+    std::vector<std::unique_ptr<KeyValuePair>> nodes = folded->unfold();
+    auto& values = m_members.emplace<Members>(Members{"", std::vector<KeyValuePair*>(nodes.size())}).values;
+    std::transform(nodes.begin(), nodes.end(), values.begin(), [](auto& node) { return node.release(); });
   }
-  std::vector<mirel_string> values = row->values();
-  m_members.reserve(values.size());
-  for (unsigned long column = 0; column < values.size(); ++column) {
-    m_members.push_back(new KeyValuePair(row->columns().names()[column], std::move(values[column])));
-  }
+  return std::get<Members>(m_members);
 }
 
 ObjectValue* ObjectValue::clone() const {
-  return new ObjectValue(*this);
+  const auto* folded = std::get_if<FoldedMembers>(&m_members);
+  return folded != nullptr ? new ObjectValue(*folded) : new ObjectValue(*this);
 }
 
 void ObjectValue::accept(JsonVisitor& visitor) {

@@ -7,11 +7,11 @@
 /// text "null".
 
 #include <iosfwd>
-#include <memory>
+#include <variant>
 #include <vector>
 
 #include "common/mirel_string.h"
-#include "json/mirel_json_row.h"
+#include "json/mirel_json_folded.h"
 #include "json/mirel_json_visitor.h"
 
 class mirel_string_builder;
@@ -108,13 +108,13 @@ class ObjectValue final : public Value {
  public:
   /// The name is what `addObject` files the object under; it is not part of the text.
   explicit ObjectValue(mirel_string name);
-  /// A row: a member for each of its columns.
-  explicit ObjectValue(Row row);
+  /// Of these members, without a name.
+  explicit ObjectValue(FoldedMembers members);
   ObjectValue(const ObjectValue& other);
   ~ObjectValue() override;
 
-  const mirel_string& getName() const { return m_name; }
-  const std::vector<KeyValuePair*>& getValues() const;
+  const mirel_string& getName() const { return unfolded().name; }
+  const std::vector<KeyValuePair*>& getValues() const { return unfolded().values; }
   bool empty() const;
 
   /// Takes the member over.
@@ -139,13 +139,15 @@ class ObjectValue final : public Value {
   void write(mirel_string_builder& out, unsigned long indent) const override;
 
  private:
-  KeyValuePair* memberOf(const mirel_string& key) const;
-  void unpack() const;
-  void writeMembers(mirel_string_builder& out, unsigned long indent) const;
+  struct Members {
+    mirel_string name;
+    std::vector<KeyValuePair*> values;
+  };
 
-  mirel_string m_name;
-  mutable std::unique_ptr<const Row> m_row;  ///< until its members are asked for
-  mutable std::vector<KeyValuePair*> m_members;
+  KeyValuePair* memberOf(const mirel_string& key) const;
+  Members& unfolded() const;
+
+  mutable std::variant<Members, FoldedMembers> m_members;  ///< folded until they are asked for
 };
 
 /// Write `stringify(0)`.

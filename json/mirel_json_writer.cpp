@@ -80,8 +80,11 @@ void appendEscaped(mirel_string_builder& out, const char* text, unsigned long le
 }
 
 mirel_string unescapeJson(const char* text, unsigned long length) {
-  mirel_string_builder out;
   const char* const end = text + length;
+  if (memchr(text, '\\', length) == nullptr) {
+    return {text, length};
+  }
+  mirel_string_builder out;
   while (const void* hit = memchr(text, '\\', static_cast<unsigned long>(end - text))) {
     const char* const escape = static_cast<const char*>(hit);
     out.append(text, static_cast<unsigned long>(escape - text));
@@ -115,22 +118,18 @@ void ArrayValue::write(mirel_string_builder& out, unsigned long indent) const {
 
 void ObjectValue::write(mirel_string_builder& out, unsigned long indent) const {
   out.append("{\n");
-  if (m_row) {
-    m_row->write(out, indent + 1);
+  if (const auto* folded = std::get_if<FoldedMembers>(&m_members)) {
+    folded->write(out, indent + 1);
   } else {
-    writeMembers(out, indent + 1);
+    for (const KeyValuePair* member : getValues()) {
+      appendIndent(out, indent + 1);
+      appendQuoted(out, member->getKey());
+      out.append(": ");
+      appendValue(out, member->getValue(), indent + 1);
+      out.append(",\n");
+    }
   }
   appendEnd(out, !empty(), indent, '}');
-}
-
-void ObjectValue::writeMembers(mirel_string_builder& out, unsigned long indent) const {
-  for (const KeyValuePair* member : m_members) {
-    appendIndent(out, indent);
-    appendQuoted(out, member->getKey());
-    out.append(": ");
-    appendValue(out, member->getValue(), indent);
-    out.append(",\n");
-  }
 }
 
 mirel_string PrimitiveValue::stringify(unsigned long indent) const {
