@@ -23,7 +23,7 @@ void post(benchmark::State& state) {
 
 void collectResponse(benchmark::State& state) {
   const auto length = static_cast<unsigned long>(state.range(0));
-  Sink sink(0, "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n", length);
+  Sink sink = respondingSink(length);
   HttpClient client("127.0.0.1", sink.port());
   for (auto round : state) {
     if (client.get("/config").length() != length) {

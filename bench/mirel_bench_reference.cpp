@@ -70,23 +70,49 @@ void bareLoop(benchmark::State& state, const char* dataSource) {
     benchmark::DoNotOptimize(bareRows(dataSource, sql));
 }
 
+int connected(sockaddr* address) {
+  const int peer = socket(AF_INET, SOCK_STREAM, 0);
+  return connect(peer, address, sizeof(sockaddr_in)) == 0 ? peer : -1;
+}
+
+unsigned long receiveAll(int peer) {
+  char piece[1024];
+  unsigned long length = 0;
+  for (ssize_t count = 1; count > 0; length += static_cast<unsigned long>(count)) {
+    count = std::max<ssize_t>(0, recv(peer, piece, sizeof piece, 0));
+  }
+  close(peer);
+  return length;
+}
+
 void bareSends(benchmark::State& state) {
   const std::string document(static_cast<unsigned long>(state.range(0)), 'x');
   const std::string request = "POST /tarn HTTP/1.1\r\nHost: h\r\nConnection: close\r\nContent-Length: " +
                               std::to_string(document.size()) + "\r\n\r\n" + document;
   Server server(document.size());
-  char answer[1024];
   for (auto round : state) {
-    const int peer = socket(AF_INET, SOCK_STREAM, 0);
-    if (connect(peer, server.address(), sizeof(sockaddr_in)) != 0) {
-      state.SkipWithError("no connection");
-    }
+    const int peer = connected(server.address());
     for (std::size_t offset = 0; offset < request.size(); offset += 1024) {
       send(peer, request.data() + offset, std::min<std::size_t>(1024, request.size() - offset), MSG_NOSIGNAL);
     }
-    while (recv(peer, answer, sizeof answer, 0) > 0) {
+    if (receiveAll(peer) == 0) {
+      state.SkipWithError("no answer");
+      break;
     }
-    close(peer);
+  }
+}
+
+/// What comes is dropped.
+void bareReceives(benchmark::State& state) {
+  Sink sink = respondingSink(static_cast<unsigned long>(state.range(0)));
+  for (auto round : state) {
+    const int peer = connected(sink.address());
+    const char request[] = "GET /config HTTP/1.1\r\n\r\n";
+    send(peer, request, sizeof request - 1, MSG_NOSIGNAL);
+    if (receiveAll(peer) < static_cast<unsigned long>(state.range(0))) {
+      state.SkipWithError("the response is not whole");
+      break;
+    }
   }
 }
 
@@ -105,3 +131,4 @@ BENCHMARK_CAPTURE(bareLoop, postgresql, "POSTGRESQL")
     ->UseRealTime();
 BENCHMARK(bareSends)->Arg(10'000)->UseRealTime();
 BENCHMARK(bareSends)->Arg(50'000'000)->Iterations(3)->UseRealTime();
+BENCHMARK(bareReceives)->RangeMultiplier(10)->Range(10'000, 100'000'000)->UseRealTime();

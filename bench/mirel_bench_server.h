@@ -81,6 +81,11 @@ class Sink {
   std::thread m_thread;
 };
 
+/// Answers with a body of so many bytes.
+inline Sink respondingSink(unsigned long length) {
+  return Sink(0, "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(length) + "\r\n\r\n", length);
+}
+
 class Server {
  public:
   explicit Server(unsigned long expected) {
