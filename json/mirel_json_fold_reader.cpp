@@ -58,11 +58,11 @@ bool FoldReader::readValue(unsigned long level) {
   skipBlanks();
   if (*m_at == '"') {
     RawString string;
-    if (!readString(&string)) {
+    if (!readString(&string) || m_members.length() + string.length > kLargest) {
       return false;
     }
     m_members.text(string);
-    return m_members.length() <= kLargest;
+    return true;
   }
   const bool object = *m_at == '{';
   if (level == kDeepest || (!take('{') && !take('['))) {

@@ -1,9 +1,9 @@
 #pragma once
 /// Reads objects straight into their folded form.
 ///
-/// The parser asks here first for every element of an array: whatever is large in a document stands in
-/// arrays. Objects that need the parser's own rules (what is wrong, an empty container, escapes that
-/// overlap), that are large, or that hold many levels, are left to it; it asks again for what they hold.
+/// The parser asks here first for every object but the root. Objects that need its own rules (what is wrong,
+/// an empty container, escapes that overlap), that are large, or that hold many levels, are left to it; it
+/// asks again for what they hold.
 
 #include "json/mirel_json_folded.h"
 

@@ -69,9 +69,7 @@ bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
   bool more = true;
   do {
     std::unique_ptr<Value> element;
-    if (!parseFolded(&element)) {
-      more = parseValue(&element);
-    }
+    more = parseValue(&element);
     array->push_back(element.release());
   } while (more && nextTokenIs(comma) && consume());
   return close(closeBracket);
@@ -89,7 +87,7 @@ bool JsonParser::parsePair(std::unique_ptr<KeyValuePair>* out) {
 
 bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
   if (nextTokenIs(openBrace)) {
-    return parseObject(out);
+    return parseFolded(out) || parseObject(out);
   }
   if (nextTokenIs(openBracket)) {
     return parseArray(out);
@@ -104,8 +102,7 @@ bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
 
 bool JsonParser::parseFolded(std::unique_ptr<Value>* out) {
   const char* const text = m_input.c_str();
-  if (m_depth + FoldReader::kDeepest > kDeepest || !nextTokenIs(openBrace) ||
-      !m_folds.read(text + m_position)) {
+  if (m_depth + FoldReader::kDeepest > kDeepest || !m_folds.read(text + m_position)) {
     return false;
   }
   *out = std::make_unique<ObjectValue>(m_folds.folded());

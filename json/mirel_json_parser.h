@@ -50,7 +50,7 @@ class JsonParser {
   bool parsePair(std::unique_ptr<KeyValuePair>* out);
   bool parseValue(std::unique_ptr<Value>* out);
 
-  /// An object that can be folded; false when nothing was read.
+  /// The object that begins at the position, if it can be folded; false when nothing was read.
   bool parseFolded(std::unique_ptr<Value>* out);
 
   /// Consumes the opening bracket of a container, unless it is nested too deep.
