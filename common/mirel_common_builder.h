@@ -27,8 +27,8 @@ class mirel_string_builder {
   void append(const mirel_string& text) { append(text.c_str(), text.length()); }
   void append(char character) { append(&character, 1); }
   void append(unsigned long count, char character);
-  /// Appends `count` characters that the caller fills in; it may take some of them back. Null when there is
-  /// nothing to fill in: while measuring, or once an allocation has failed.
+  /// Appends `count` characters that the caller fills in. Null when there is nothing to fill in: while
+  /// measuring, or once an allocation has failed.
   char* extend(unsigned long count) {
     if (!reserve(count)) {
       return nullptr;

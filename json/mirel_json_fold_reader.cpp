@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "json/mirel_json_scan.h"
+
 namespace {
 
 /// Bytes of an object that is folded: unfolding copies what stays folded.
@@ -9,8 +11,8 @@ constexpr unsigned long kLargest = 16UL << 10;
 
 /// Escapes that overlap multiply a text when they are undone; that should not happen twice.
 bool mayMultiply(const RawString& string) {
-  constexpr std::string_view overlap = "\\\\\\";
-  return std::string_view(string.contents, string.length).find(overlap) != std::string_view::npos;
+  constexpr std::string_view kOverlap = "\\\\\\";
+  return std::string_view(string.contents, string.length).find(kOverlap) != std::string_view::npos;
 }
 
 }  // namespace
@@ -58,14 +60,14 @@ bool FoldReader::readValue(unsigned long level) {
   skipBlanks();
   if (*m_at == '"') {
     RawString string;
-    if (!readString(&string) || m_members.length() + string.length > kLargest) {
+    if (!readString(&string)) {
       return false;
     }
     m_members.text(string);
     return true;
   }
   const bool object = *m_at == '{';
-  if (level == kDeepest || (!take('{') && !take('['))) {
+  if (level == kLevels || (!take('{') && !take('['))) {
     return false;
   }
   m_members.open(object ? '{' : '[');
@@ -80,7 +82,8 @@ bool FoldReader::readString(RawString* string) {
   }
   scanString(m_at, m_end, string);
   m_at = string->end() + 1;
-  return m_at < m_end && (string->asWritten || !mayMultiply(*string));
+  return m_at < m_end && m_members.length() + string->length <= kLargest &&
+         (string->asWritten || !mayMultiply(*string));
 }
 
 /// Passes over the token when it is the next one.

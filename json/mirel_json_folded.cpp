@@ -6,11 +6,13 @@
 #include <utility>
 
 #include "common/mirel_common_builder.h"
+#include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
 #include "json/mirel_json_writer.h"
 
 namespace {
 
+constexpr std::string_view kAfterKey = "\": ";
 constexpr std::string_view kSeparator = ",\n";
 
 // Texts begin and end with a quote.
@@ -67,12 +69,10 @@ void FoldedMembers::write(mirel_string_builder& out, unsigned long indent) const
   if (empty()) {
     return;
   }
-  const unsigned long atMost = m_lines.length() + 2 * (indent * m_count + m_levels) + kSeparator.size();
-  char* const begin = out.extend(atMost);
-  if (begin == nullptr) {
+  char* to = out.extend(m_lines.length() + 2 * (indent * m_count + m_levels) + kSeparator.size());
+  if (to == nullptr) {
     return;
   }
-  char* to = begin;
   const char* line = m_lines.c_str();
   const char* const linesEnd = line + m_lines.length();
   while (line != linesEnd) {
@@ -84,8 +84,7 @@ void FoldedMembers::write(mirel_string_builder& out, unsigned long indent) const
     indent += lineFeed != nullptr && opens(end[-2]) ? 1 : 0;
     line = end;
   }
-  to = std::copy(kSeparator.begin(), kSeparator.end(), to);
-  out.removeLast(atMost - static_cast<unsigned long>(to - begin));
+  std::copy(kSeparator.begin(), kSeparator.end(), to);
 }
 
 /// Goes through the lines of folded members.
@@ -98,10 +97,10 @@ class FoldedMembers::Unfolding {
     while (!m_rest.empty()) {
       const std::string_view line = take().substr(1);
       const unsigned long keyLength = lengthOfEscaped(line);
-      mirel_string key = unescaped(line.substr(0, keyLength));
-      std::unique_ptr<Value> value = valueOf(line.substr(keyLength + std::string_view("\": ").size()));
-      members.push_back(std::make_unique<KeyValuePair>(std::move(key), nullptr));
-      members.back()->setValue(value.release());
+      std::unique_ptr<KeyValuePair> member(
+          new KeyValuePair(unescaped(line.substr(0, keyLength)),
+                           valueOf(line.substr(keyLength + kAfterKey.size())).release()));
+      members.push_back(std::move(member));
     }
     return members;
   }
@@ -174,13 +173,13 @@ void MemberLines::next() {
   }
 }
 
-void MemberLines::key(const char* text, unsigned long length) {
-  appendQuotedEscaped(&m_lines, text, length);
+void MemberLines::key(const char* name, unsigned long length) {
+  text(name, length);
   m_lines += ": ";
 }
 
 void MemberLines::key(const RawString& string) {
-  appendQuoted(&m_lines, string);
+  text(string);
   m_lines += ": ";
 }
 

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "common/mirel_string.h"
-#include "json/mirel_json_scan.h"
 
 class KeyValuePair;
 class mirel_string_builder;
+struct RawString;
 
 /// What `MemberLines` gathered.
 class FoldedMembers {
@@ -30,18 +30,18 @@ class FoldedMembers {
   FoldedMembers(mirel_string lines, unsigned long count, unsigned long levels);
 
   mirel_string m_lines;   ///< as they are written, without their indentation: no text in them has a line feed
-  unsigned long m_count;  ///< how many there are, ...
-  unsigned long m_levels;  ///< ... and the sum of how deep in containers of the object each one stands
+  unsigned long m_count;  ///< of lines
+  unsigned long m_levels;  ///< the sum of the levels that they stand below the members
 };
 
-/// Gathers the members of one object after the other.
+/// Gathers the members of an object; `clear` begins the next one.
 class MemberLines {
  public:
   void clear();
 
   /// Begins a member, or an element of an array. A member's key and its value follow, or the element.
   void next();
-  void key(const char* text, unsigned long length);
+  void key(const char* name, unsigned long length);
   void key(const RawString& string);
   void text(const char* text, unsigned long length);
   void text(const RawString& string);

@@ -19,13 +19,12 @@ const char* nameOf(JsonTokenType type) {
 
 }  // namespace
 
-JsonParser::JsonParser() : m_formerText(""), m_input(""), m_folds(nullptr) {}
+JsonParser::JsonParser() : m_input(""), m_foldReader(nullptr) {}
 
 Value* JsonParser::parse(mirel_string text) {
-  m_formerText = m_token.string.text();
-  m_token.string = {m_formerText.c_str(), m_formerText.length()};
+  m_token.string = {};  // it stood in the former input
   m_input = std::move(text);
-  m_folds = FoldReader(m_input.c_str() + m_input.length());
+  m_foldReader = FoldReader(m_input.c_str() + m_input.length());
   m_line = 1;
   m_lineBegin = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
@@ -102,15 +101,15 @@ bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
 
 bool JsonParser::parseFolded(std::unique_ptr<Value>* out) {
   const char* const text = m_input.c_str();
-  if (m_depth + FoldReader::kDeepest > kDeepest || !m_folds.read(text + m_position)) {
+  if (m_depth + FoldReader::kLevels > kDeepest || !m_foldReader.read(text + m_position)) {
     return false;
   }
-  *out = std::make_unique<ObjectValue>(m_folds.folded());
-  if (m_folds.lines() > 0) {
-    m_line += m_folds.lines();
-    m_lineBegin = static_cast<unsigned long>(m_folds.lastLine() - text);
+  *out = std::make_unique<ObjectValue>(m_foldReader.folded());
+  if (m_foldReader.lines() > 0) {
+    m_line += m_foldReader.lines();
+    m_lineBegin = static_cast<unsigned long>(m_foldReader.lastLine() - text);
   }
-  m_position = static_cast<unsigned long>(m_folds.after() - text);
+  m_position = static_cast<unsigned long>(m_foldReader.after() - text);
   m_token.type = closeBrace;
   return true;
 }

@@ -33,12 +33,14 @@ enum class JsonTokenType { openBrace, closeBrace, openBracket, closeBracket, com
 struct Token {
   JsonTokenType type = JsonTokenType::string;
   unsigned long length = 0;  ///< in characters of the input, quotes included
-  RawString string;          ///< the last one that was read
+  RawString string;          ///< of the last string token
 };
 
 class JsonParser {
  public:
   JsonParser();
+  JsonParser(const JsonParser&) = delete;
+  JsonParser& operator=(const JsonParser&) = delete;
 
   /// The root, an object or an array. Does not come back from a syntax error.
   Value* parse(mirel_string text);
@@ -74,12 +76,11 @@ class JsonParser {
                                            unsigned long line, unsigned long column);
 
   Token m_token;
-  mirel_string m_formerText;      ///< of the token that an earlier input left
   unsigned long m_line = 1;       ///< counted from 1, by the line feeds between tokens
   unsigned long m_lineBegin = 0;  ///< where it begins; columns are counted from there
   unsigned long m_position = 0;   ///< next character of the input
   mirel_string m_input;
-  FoldReader m_folds;
+  FoldReader m_foldReader;
   unsigned long m_depth = 0;                  ///< containers that are open
   unsigned long m_seen = mirel_string::npos;  ///< position that was looked at last, ...
   bool m_seenToken = false;                   ///< ... and whether a token stands there

@@ -10,6 +10,7 @@ namespace {
 
 // Eight characters at a time, in the order of memory.
 using Eight = std::uint64_t;
+/// Times a character: that character in each of the eight.
 constexpr Eight kEach = ~Eight{0} / 255;
 
 Eight load(const char* text) {

@@ -26,5 +26,6 @@ struct RawString {
 };
 
 /// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end`, where a
-/// NUL stands: the only one.
+/// NUL stands: the only one. It is not returned because passing it on by copies costs a fifth of parsing
+/// rows.
 void scanString(const char* contents, const char* end, RawString* found);

@@ -97,6 +97,10 @@ ObjectValue::ObjectValue(FoldedMembers members) : m_members(std::move(members)) 
 
 // As with arrays, the members come into a whole object.
 ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue("") {
+  if (const auto* folded = std::get_if<FoldedMembers>(&other.m_members)) {
+    m_members = *folded;
+    return;
+  }
   const auto& [name, values] = other.unfolded();
   unfolded().name = name;
   unfolded().values.reserve(values.size());
@@ -126,7 +130,8 @@ void ObjectValue::addValue(KeyValuePair* member) {
 
 void ObjectValue::addObject(ObjectValue* object) {
   std::unique_ptr<ObjectValue> owned(object);
-  addValue(new KeyValuePair(object->getName(), owned.release()));
+  mirel_string name = object->getName();  // may unfold
+  addValue(new KeyValuePair(std::move(name), owned.release()));
 }
 
 KeyValuePair* ObjectValue::memberOf(const mirel_string& key) const {
@@ -163,8 +168,7 @@ ObjectValue::Members& ObjectValue::unfolded() const {
 }
 
 ObjectValue* ObjectValue::clone() const {
-  const auto* folded = std::get_if<FoldedMembers>(&m_members);
-  return folded != nullptr ? new ObjectValue(*folded) : new ObjectValue(*this);
+  return new ObjectValue(*this);
 }
 
 void ObjectValue::accept(JsonVisitor& visitor) {

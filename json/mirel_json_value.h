@@ -7,6 +7,7 @@
 /// text "null".
 
 #include <iosfwd>
+#include <memory>
 #include <variant>
 #include <vector>
 

@@ -5,8 +5,7 @@
 /// an empty container with an empty line between its brackets. Every scalar is written as a string.
 /// Four characters are escaped: backslash, line feed, carriage return, double quote. Everything else goes
 /// out as it is, so a tab or another control byte stands raw in the text (RFC 8259 would have it escaped),
-/// and so do bytes above 127. Cost: two passes, the first
-/// to measure; linear in the text.
+/// and so do bytes above 127. Cost: two passes, the first to measure; linear in the text.
 
 #include "common/mirel_string.h"
 
