@@ -48,6 +48,8 @@ class mirel_string_builder {
   void startMeasuring() { m_measuring = true; }
   void endMeasuring();
 
+  /// The characters so far, without a terminator.
+  const char* begin() const { return m_block; }
   unsigned long length() const { return m_length; }
   bool failed() const { return m_failed; }
   /// Gives the text up, as a failed allocation does.

@@ -17,6 +17,11 @@ bool mayMultiply(const RawString& string) {
 
 }  // namespace
 
+void FoldReader::start(const char* end) {
+  m_end = end;
+  m_stuck = nullptr;
+}
+
 bool FoldReader::read(const char* text) {
   if (text < m_stuck) {
     return false;

@@ -13,8 +13,8 @@ class FoldReader {
   /// How many levels of containers an object may hold, itself included.
   static constexpr unsigned long kLevels = 8;
 
-  /// For objects of the text that ends at `end`, where a NUL stands.
-  explicit FoldReader(const char* end) : m_end(end) {}
+  /// From now on reads objects of the text that ends at `end`, where a NUL stands.
+  void start(const char* end);
 
   /// Reads the object whose opening brace is at `text`; false when it is left to the parser. From then on
   /// so is all that begins before the place where the reading ended: no part of the text is read twice.
@@ -35,7 +35,7 @@ class FoldReader {
   bool take(char token);
   void skipBlanks();
 
-  const char* m_end;
+  const char* m_end = nullptr;
   const char* m_at = nullptr;
   const char* m_stuck = nullptr;  ///< where the last object that was left to the parser ended the reading
   MemberLines m_members;

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "common/mirel_common_builder.h"
 #include "json/mirel_json_scan.h"
 #include "json/mirel_json_value.h"
 #include "json/mirel_json_writer.h"
@@ -34,30 +33,6 @@ unsigned long lengthOfEscaped(std::string_view text) {
     length += text[length] == '\\' ? 2 : 1;
   }
   return length;
-}
-
-void appendQuoted(std::string* out, const char* text, unsigned long length) {
-  *out += '"';
-  out->append(text, length);
-  *out += '"';
-}
-
-void appendQuotedEscaped(std::string* out, const char* text, unsigned long length) {
-  if (endOfPlain(text, text + length) == text + length) {
-    appendQuoted(out, text, length);
-  } else {
-    const mirel_string escaped = escapeJson(mirel_string(text, length));
-    appendQuoted(out, escaped.c_str(), escaped.length());
-  }
-}
-
-void appendQuoted(std::string* out, const RawString& string) {
-  if (string.asWritten) {
-    out->append(string.contents - 1, string.length + 2);  // with its quotes
-  } else {
-    const mirel_string text = string.text();
-    appendQuotedEscaped(out, text.c_str(), text.length());
-  }
 }
 
 }  // namespace
@@ -160,7 +135,7 @@ std::vector<std::unique_ptr<KeyValuePair>> FoldedMembers::unfold() const {
 }
 
 void MemberLines::clear() {
-  m_lines.clear();
+  m_lines.removeLast(m_lines.length());
   m_first = true;
   m_level = m_levels = 0;
   m_count = 1;
@@ -168,31 +143,38 @@ void MemberLines::clear() {
 
 void MemberLines::next() {
   if (!std::exchange(m_first, false)) {
-    m_lines += ',';
+    m_lines.append(',');
     beginLine();
   }
 }
 
 void MemberLines::key(const char* name, unsigned long length) {
   text(name, length);
-  m_lines += ": ";
+  m_lines.append(": ");
 }
 
 void MemberLines::key(const RawString& string) {
   text(string);
-  m_lines += ": ";
+  m_lines.append(": ");
 }
 
 void MemberLines::text(const char* text, unsigned long length) {
-  appendQuotedEscaped(&m_lines, text, length);
+  m_lines.append('"');
+  appendEscaped(m_lines, text, length);
+  m_lines.append('"');
 }
 
 void MemberLines::text(const RawString& string) {
-  appendQuoted(&m_lines, string);
+  if (string.asWritten) {
+    m_lines.append(string.contents - 1, string.length + 2);  // with its quotes
+  } else {
+    const mirel_string undone = string.text();
+    text(undone.c_str(), undone.length());
+  }
 }
 
 void MemberLines::open(char bracket) {
-  m_lines += bracket;
+  m_lines.append(bracket);
   ++m_level;
   m_first = true;
   beginLine();
@@ -201,16 +183,16 @@ void MemberLines::open(char bracket) {
 void MemberLines::close(char bracket) {
   --m_level;
   beginLine();
-  m_lines += bracket;
+  m_lines.append(bracket);
   m_first = false;
 }
 
 void MemberLines::beginLine() {
-  m_lines += '\n';
+  m_lines.append('\n');
   ++m_count;
   m_levels += m_level;
 }
 
 FoldedMembers MemberLines::folded() const {
-  return {mirel_string(m_lines.data(), m_lines.size()), m_count, m_levels};
+  return {mirel_string(m_lines.begin(), m_lines.length()), m_count, m_levels};
 }

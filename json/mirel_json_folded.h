@@ -6,13 +6,12 @@
 /// the memory, and writing it is copying.
 
 #include <memory>
-#include <string>
 #include <vector>
 
+#include "common/mirel_common_builder.h"
 #include "common/mirel_string.h"
 
 class KeyValuePair;
-class mirel_string_builder;
 struct RawString;
 
 /// What `MemberLines` gathered.
@@ -49,14 +48,14 @@ class MemberLines {
   void open(char bracket);
   void close(char bracket);
 
-  unsigned long length() const { return m_lines.size(); }
+  unsigned long length() const { return m_lines.length(); }
   /// What was gathered since `clear`.
   FoldedMembers folded() const;
 
  private:
   void beginLine();
 
-  std::string m_lines;
+  mirel_string_builder m_lines;
   bool m_first = true;  ///< whether no member or element of the innermost container has begun
   unsigned long m_level = 0;
   unsigned long m_count = 1;

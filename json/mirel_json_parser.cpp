@@ -19,12 +19,12 @@ const char* nameOf(JsonTokenType type) {
 
 }  // namespace
 
-JsonParser::JsonParser() : m_input(""), m_foldReader(nullptr) {}
+JsonParser::JsonParser() : m_input("") {}
 
 Value* JsonParser::parse(mirel_string text) {
   m_token.string = {};  // it stood in the former input
   m_input = std::move(text);
-  m_foldReader = FoldReader(m_input.c_str() + m_input.length());
+  m_foldReader.start(m_input.c_str() + m_input.length());
   m_line = 1;
   m_lineBegin = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
