@@ -7,8 +7,6 @@
 
 namespace {
 
-/// Every text ends with this many NULs, as in `mirel_string`.
-constexpr unsigned long kTail = 3;
 constexpr unsigned long kSmallest = 61;
 
 }  // namespace
@@ -45,7 +43,7 @@ bool mirel_string_builder::grow(unsigned long more) {
 }
 
 bool mirel_string_builder::resize(unsigned long room) {
-  char* block = allocateText(room + kTail, 0, 315);
+  char* block = allocateText(room + mirel_string::kTail, 0, 315);
   if (block == nullptr) {
     fail();
     return false;
@@ -74,8 +72,8 @@ mirel_string mirel_string_builder::take() {
   if (m_block == nullptr) {
     return nullptr;
   }
-  memset(m_block + m_length, 0, kTail);
-  mirel_string result(m_block, m_length, m_length + kTail);
+  memset(m_block + m_length, 0, mirel_string::kTail);
+  mirel_string result(m_block, m_length, m_length + mirel_string::kTail);
   m_block = nullptr;
   m_length = m_room = 0;
   return result;

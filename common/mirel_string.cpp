@@ -11,8 +11,6 @@
 
 namespace {
 
-/// Room behind every text: its terminator and two more NULs.
-constexpr unsigned long kTail = 3;
 /// What the decimal form of any number fits into.
 constexpr unsigned long kNumberSize = 38;
 /// Occurrences that overlap multiply a text; beyond this many bytes it counts as one too large for memory.
@@ -236,7 +234,7 @@ mirel_string& mirel_string::operator+=(const mirel_string& other) {
 }
 
 mirel_string operator+(const mirel_string& a, const mirel_string& b) {
-  const unsigned long capacity = a.m_length + b.m_length + kTail;
+  const unsigned long capacity = a.m_length + b.m_length + mirel_string::kTail;
   char* temporary = allocateText(capacity, 0, 341);
   if (temporary == nullptr) {
     return {nullptr, 0, 0};

@@ -88,6 +88,8 @@ class mirel_string {
   template <class Number>
   void format(const char* pattern, Number number);
 
+  /// Room behind every text: its terminator and two more NULs.
+  static constexpr unsigned long kTail = 3;
   static const char s_terminator;
 
   unsigned long m_capacity;  ///< bytes asked for, normally length + 3
