@@ -30,6 +30,16 @@ void mirel_string_builder::endMeasuring() {
   resize(std::exchange(m_measured, 0));
 }
 
+void mirel_string_builder::expect(unsigned long more) {
+  if (m_failed || more <= m_room - m_length) {
+    return;
+  }
+  const unsigned long room = m_length + more;
+  if (char* const block = tryAllocateText(room + mirel_string::kTail, 0, 315)) {
+    moveTo(block, room);
+  }
+}
+
 bool mirel_string_builder::grow(unsigned long more) {
   if (m_measuring) {
     m_measured += more;
@@ -48,13 +58,17 @@ bool mirel_string_builder::resize(unsigned long room) {
     fail();
     return false;
   }
+  moveTo(block, room);
+  return true;
+}
+
+void mirel_string_builder::moveTo(char* block, unsigned long room) {
   if (m_block != nullptr) {
     memcpy(block, m_block, m_length);
     releaseText(m_block);
   }
   m_block = block;
   m_room = room;
-  return true;
 }
 
 void mirel_string_builder::fail() {

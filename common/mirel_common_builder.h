@@ -40,8 +40,8 @@ class mirel_string_builder {
   /// Takes the last `count` characters back, at most all.
   void removeLast(unsigned long count) { m_length -= count < m_length ? count : m_length; }
 
-  /// Makes room for `more` characters at once.
-  void expect(unsigned long more) { reserve(more); }
+  /// Makes room for `more` characters at once, if there is memory for them.
+  void expect(unsigned long more);
 
   /// On an empty builder: until `endMeasuring`, what is appended is only counted, at least as much as it is;
   /// then there is room for that.
@@ -63,6 +63,7 @@ class mirel_string_builder {
   bool reserve(unsigned long more) { return more <= m_room - m_length || grow(more); }
   bool grow(unsigned long more);
   bool resize(unsigned long room);
+  void moveTo(char* block, unsigned long room);
 
   char* m_block = nullptr;
   unsigned long m_length = 0;

@@ -2,8 +2,10 @@
 #include <cstring>
 
 #include "collectors/mirel_collectors_instance.h"
+#include "common/mirel_common_memory.h"
 #include "db/mirel_db_connection.h"
 #include "generator/mirel_generator_walk.h"
+#include "http/mirel_http_socket.h"
 #include "json/mirel_json_parser.h"
 #include "json/mirel_json_writer.h"
 #include "tests/unit/fake_platform.h"
@@ -68,6 +70,17 @@ TEST_F(Objects, ConnectionRunsAStatementAndLeavesItAllocated) {
   EXPECT_EQ(SQL_SUCCESS, connection.freeStmt());
   EXPECT_TRUE(connection.disconnect());
   EXPECT_FALSE(connection.connected() || connection.disconnect());
+}
+
+TEST_F(Objects, ResponseNeedsNoRoomForWhatItOnlyAnnounces) {
+  const char response[] = "HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\nshort";
+  platform.responses = {{response}};
+  platform.fail("_ossMemAlloc(67108");
+  const SocketLayer layer;
+  Socket socket;
+  EXPECT_TRUE(socket.open("h", 1));
+  EXPECT_STREQ(response, socket.recv().c_str());
+  EXPECT_TRUE(platform.count("_ossMemAlloc(67108") == 1 && !memoryRanOut);
 }
 
 // The name of the database goes through a record of 256 bytes.
