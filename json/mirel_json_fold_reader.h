@@ -17,7 +17,7 @@ class FoldReader {
   void start(const char* end);
 
   /// Reads the object whose opening brace is at `text`; false when it is left to the parser. From then on
-  /// so is all that begins before the place where the reading ended: no part of the text is read twice.
+  /// so is all that begins before the place where the reading ended: it reads no part of the text twice.
   bool read(const char* text);
 
   /// Of the object just read, after a `read` that was true: its members; what follows it; ...
