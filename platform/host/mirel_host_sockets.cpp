@@ -70,13 +70,18 @@ void store(Record* record, const Content& content) {
   std::memcpy(record->bytes, &content, sizeof content);
 }
 
-/// Handles are given once and never again, so a stale one finds nothing. The table is fixed: opening a
+/// Handles are given once and never again, so a stale one finds nothing. The tables are fixed: opening a
 /// socket needs no memory of ours.
 struct Endpoint {
   int handle;  ///< 0: the place is free
   int descriptor;
+  std::size_t arrived;  ///< bytes that wait in `arrivals`,
+  std::size_t taken;    ///< and how many of them were handed out
 };
 std::array<Endpoint, 64> endpoints;
+/// The system is asked for more than callers take at a time, since a call costs as much as a few kilobytes
+/// do.
+std::array<std::array<char, 16384>, endpoints.size()> arrivals;
 int lastHandle = 0;
 
 Endpoint* find(int handle) {
@@ -209,6 +214,32 @@ void append(AddressList* list, const Address& address) {
   }
 }
 
+/// Receives what is there, at most as much as `arrivals` holds for an endpoint; waits when nothing is.
+unsigned int receive(int descriptor, char* buffer, std::size_t* received, int waitSeconds) {
+  const Clock::time_point deadline = Clock::now() + seconds(waitSeconds);
+  for (;;) {
+    const ssize_t count = recv(descriptor, buffer, arrivals[0].size(), 0);
+    if (count > 0) {
+      *received = static_cast<std::size_t>(count);
+      return 0;
+    }
+    if (count == 0) {
+      return SQLO_PDB_PEER_CLOSED;
+    }
+    if (errno == EAGAIN) {
+      // Chunks are gathered into full segments while the request is sent. Who waits for the answer has said
+      // all of it: the last segment must not wait for an acknowledgement, which the peer may hold for 40 ms.
+      setOption(descriptor, IPPROTO_TCP, TCP_NODELAY, 1);
+      const int error = waitFor(descriptor, POLLIN, deadline);
+      if (error != 0) {
+        return error == ETIMEDOUT ? 0 : static_cast<unsigned int>(error);
+      }
+    } else if (errno != EINTR) {
+      return lastError();
+    }
+  }
+}
+
 }  // namespace
 
 unsigned int sqloPdbCommFncInit() {
@@ -236,7 +267,7 @@ unsigned int sqloPdbCreateSocket(int* handle, int /*options*/) {
     return lastError();
   }
   lastHandle = lastHandle == INT_MAX ? 1 : lastHandle + 1;
-  *place = {lastHandle, descriptor};
+  *place = {lastHandle, descriptor, 0, 0};
   *handle = lastHandle;
   return 0;
 }
@@ -333,35 +364,26 @@ unsigned int sqloPdbSendBuffer(int handle, const void* data, unsigned int count,
 unsigned int sqloPdbRecvBuffer(int handle, void* buffer, unsigned int size, unsigned int* received,
                                int waitSeconds, int /*options*/) {
   *received = 0;
-  const Endpoint* const endpoint = findOpen(handle);
+  Endpoint* const endpoint = findOpen(handle);
   if (endpoint == nullptr) {
     return EBADF;
   }
   if (size == 0) {
     return 0;
   }
-  const Clock::time_point deadline = Clock::now() + seconds(waitSeconds);
-  for (;;) {
-    const ssize_t count = recv(endpoint->descriptor, buffer, size, 0);
-    if (count > 0) {
-      *received = static_cast<unsigned int>(count);
-      return 0;
-    }
-    if (count == 0) {
-      return SQLO_PDB_PEER_CLOSED;
-    }
-    if (errno == EAGAIN) {
-      // Chunks are gathered into full segments while the request is sent. Who waits for the answer has said
-      // all of it: the last segment must not wait for an acknowledgement, which the peer may hold for 40 ms.
-      setOption(endpoint->descriptor, IPPROTO_TCP, TCP_NODELAY, 1);
-      const int error = waitFor(endpoint->descriptor, POLLIN, deadline);
-      if (error != 0) {
-        return error == ETIMEDOUT ? 0 : static_cast<unsigned int>(error);
-      }
-    } else if (errno != EINTR) {
-      return lastError();
+  char* const waiting = arrivals[static_cast<std::size_t>(endpoint - endpoints.data())].data();
+  if (endpoint->taken == endpoint->arrived) {
+    endpoint->taken = endpoint->arrived = 0;
+    const unsigned int code = receive(endpoint->descriptor, waiting, &endpoint->arrived, waitSeconds);
+    if (code != 0) {
+      return code;
     }
   }
+  const std::size_t count = std::min<std::size_t>(size, endpoint->arrived - endpoint->taken);
+  std::memcpy(buffer, waiting + endpoint->taken, count);
+  endpoint->taken += count;
+  *received = static_cast<unsigned int>(count);
+  return 0;
 }
 
 unsigned int sqloPdbCloseSocket(int handle) {

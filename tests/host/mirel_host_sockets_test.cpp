@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <numeric>
 #include <sstream>
 
 #include "platform/sockets.h"
@@ -96,6 +97,33 @@ TEST_F(HostSockets, WaitOutlastsSignals) {
   EXPECT_EQ(0U, received);
   EXPECT_LE(std::chrono::seconds(1), std::chrono::steady_clock::now() - start);
   setitimer(ITIMER_REAL, &never, nullptr);
+}
+
+TEST_F(HostSockets, EveryByteComesOnceAndNoneFromAnEarlierConnection) {
+  std::string sent(100'000, '\0');
+  std::iota(sent.begin(), sent.end(), '\0');
+  listenOn("127.0.0.1");
+  for (const unsigned int size : {1U, 1000U, 1'000'000U}) {
+    EXPECT_EQ(0U, connectTo("127.0.0.1"));
+    const int peer = accept(listener, nullptr, nullptr);
+    EXPECT_EQ(static_cast<ssize_t>(sent.size()), send(peer, sent.data(), sent.size(), 0));
+    close(peer);
+    std::string text, piece(size, '\0');
+    unsigned int received = 0, code = 0;
+    while ((code = sqloPdbRecvBuffer(handle, piece.data(), size, &received, 1, 0)) == 0 && received > 0) {
+      text.append(piece, 0, received);
+    }
+    EXPECT_EQ(SQLO_PDB_PEER_CLOSED, code);
+    EXPECT_EQ(0U, received);
+    EXPECT_TRUE(text == sent) << text.size();
+    EXPECT_EQ(0U, sqloPdbCloseSocket(handle));
+    EXPECT_EQ(0U, connectTo("127.0.0.1"));  // one that is left before its end
+    const int other = accept(listener, nullptr, nullptr);
+    EXPECT_EQ(5, send(other, "other", 5, 0));
+    EXPECT_EQ(0U, sqloPdbRecvBuffer(handle, piece.data(), 1, &received, 1, 0));
+    EXPECT_EQ(0U, sqloPdbCloseSocket(handle));
+    close(other);
+  }
 }
 
 TEST_F(HostSockets, LeftOverSocketsEndWithTheLayerAndNeverReachACommand) {
