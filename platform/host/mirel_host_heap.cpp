@@ -80,21 +80,20 @@ class HeapLock {
   const bool m_locked;
 };
 
-void* alignedSlab(unsigned long size) {
-  return std::aligned_alloc(size >= kLargeBlock ? kLargePage : kPage, size);
+void* takeSlab(unsigned long size) {
+  return size < kLargeBlock ? std::aligned_alloc(kPage, size) : takeLargePages(size);
 }
 
 bool addSlab() {
   unsigned long size = std::clamp(heap.slabSize * 2, kFirstSlab, kLargestSlab);
-  void* slab = alignedSlab(size);
+  void* slab = takeSlab(size);
   while (slab == nullptr && size > kPage) {  // little is left; a page will do
     size /= 2;
-    slab = alignedSlab(size);
+    slab = takeSlab(size);
   }
   if (slab == nullptr) {
     return false;
   }
-  adviseLargePages(slab, size);
   heap.slab = static_cast<char*>(slab);
   heap.slabLeft = heap.slabSize = size;
   return true;
@@ -142,14 +141,17 @@ void giveSmall(void* block, unsigned long size) {
   }
 }
 
-void* takeLarge(unsigned long size, bool zeroed) {
-  const unsigned long padded = size + kPadding;
-  void* const block = zeroed ? std::calloc(1, padded) : std::malloc(padded);
-  if (block == nullptr) {
-    return nullptr;
+void* takeMalloced(unsigned long size, bool zeroed) {
+  if (size < kLargeBlock) {
+    return zeroed ? std::calloc(1, size) : std::malloc(size);
   }
-  adviseLargePages(block, padded);
-  return static_cast<char*>(block) + kPadding;
+  void* const block = takeLargePages(size);
+  return block == nullptr || !zeroed ? block : memset(block, 0, size);
+}
+
+void* takeLarge(unsigned long size, bool zeroed) {
+  void* const block = takeMalloced(size + kPadding, zeroed);
+  return block == nullptr ? nullptr : static_cast<char*>(block) + kPadding;
 }
 
 void giveLarge(void* header) {

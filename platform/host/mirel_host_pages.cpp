@@ -1,13 +1,14 @@
 #include "platform/host/mirel_host_pages.h"
 
 #include <sys/mman.h>
-#include <unistd.h>
 
-void adviseLargePages(void* block, unsigned long size) {
-  if (size < kLargeBlock) {
-    return;
+#include <cstdlib>
+
+void* takeLargePages(unsigned long size) {
+  const unsigned long whole = (size + kLargePage - 1) / kLargePage * kLargePage;
+  void* const block = std::aligned_alloc(kLargePage, whole);
+  if (block != nullptr) {
+    madvise(block, whole, MADV_HUGEPAGE);
   }
-  const auto page = static_cast<unsigned long>(sysconf(_SC_PAGESIZE));
-  const unsigned long offset = -reinterpret_cast<unsigned long>(block) % page;
-  madvise(static_cast<char*>(block) + offset, size - offset, MADV_HUGEPAGE);
+  return block;
 }

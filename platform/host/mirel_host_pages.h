@@ -1,10 +1,11 @@
 #pragma once
-/// Large pages (transparent huge pages, madvise(2)) for large blocks.
+/// Large blocks on large pages (transparent huge pages, madvise(2)): they are faulted in by the megabyte.
+/// Without large pages on the host they are ordinary blocks.
 
 inline constexpr unsigned long kLargePage = 2UL << 20;
-/// From this size on a block is worth large pages: they are faulted in by the megabyte.
+/// From this size on a block is worth large pages.
 inline constexpr unsigned long kLargeBlock = 2 * kLargePage;
 
-/// Advises the system to use them for a block of at least that size that was not touched yet; smaller ones
-/// are left alone. Without large pages on the host nothing changes.
-void adviseLargePages(void* block, unsigned long size);
+/// A block of malloc's of at least `size` bytes that begins and ends between large pages; null when there is
+/// no memory. Its contents are undefined; free(3) takes it back.
+void* takeLargePages(unsigned long size);
