@@ -12,7 +12,7 @@ namespace {
 constexpr unsigned long kChunk = 1024;
 constexpr int kWaitSeconds = 5;
 /// Of what a response announces, room for this many bytes is made before they come.
-constexpr unsigned long kTrusted = 64UL << 20;
+constexpr unsigned long kTrusted = 256UL << 20;
 
 bool failed(const char* message) {
   std::cerr << message << std::endl;

@@ -75,12 +75,12 @@ TEST_F(Objects, ConnectionRunsAStatementAndLeavesItAllocated) {
 TEST_F(Objects, ResponseNeedsNoRoomForWhatItOnlyAnnounces) {
   const char response[] = "HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\nshort";
   platform.responses = {{response}};
-  platform.fail("_ossMemAlloc(67108");
+  platform.fail("_ossMemAlloc(1000000");
   const SocketLayer layer;
   Socket socket;
   EXPECT_TRUE(socket.open("h", 1));
   EXPECT_STREQ(response, socket.recv().c_str());
-  EXPECT_TRUE(platform.count("_ossMemAlloc(67108") == 1 && !memoryRanOut);
+  EXPECT_TRUE(platform.count("_ossMemAlloc(1000000") == 1 && !memoryRanOut);
 }
 
 // The name of the database goes through a record of 256 bytes.
