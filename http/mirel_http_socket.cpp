@@ -11,7 +11,8 @@ namespace {
 
 constexpr unsigned long kChunk = 1024;
 constexpr int kWaitSeconds = 5;
-/// Of what a response announces, room for this many bytes is made before they come.
+/// Of what a response announces, room for this many bytes is made before they come; it costs nothing until
+/// they do.
 constexpr unsigned long kTrusted = 256UL << 20;
 
 bool failed(const char* message) {

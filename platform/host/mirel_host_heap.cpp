@@ -14,11 +14,14 @@
 
 namespace {
 
-/// Sizes are those of blocks with their headers. Checkers of memory have to see every block by itself.
+/// Sizes are those of blocks with their headers. Checkers of memory have to see every block by itself, and
+/// where it ends.
 #ifdef MIREL_CHECKED_MEMORY
 constexpr unsigned long kLargestSmall = 0;
+constexpr bool kLargePages = false;
 #else
 constexpr unsigned long kLargestSmall = 512;
+constexpr bool kLargePages = true;
 #endif
 constexpr unsigned long kStep = 16;
 constexpr unsigned long kPage = 64UL << 10;
@@ -142,7 +145,7 @@ void giveSmall(void* block, unsigned long size) {
 }
 
 void* takeMalloced(unsigned long size, bool zeroed) {
-  if (size < kLargeBlock) {
+  if (!kLargePages || size < kLargeBlock) {
     return zeroed ? std::calloc(1, size) : std::malloc(size);
   }
   void* const block = takeLargePages(size);

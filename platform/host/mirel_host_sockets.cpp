@@ -79,8 +79,8 @@ struct Endpoint {
   std::size_t taken;    ///< and how many of them were handed out
 };
 std::array<Endpoint, 64> endpoints;
-/// The system is asked for more than callers take at a time, since a call costs as much as a few kilobytes
-/// do.
+/// By place of the endpoint. The system is asked for more than callers take at a time, since a call costs as
+/// much as a few kilobytes do.
 std::array<std::array<char, 16384>, endpoints.size()> arrivals;
 int lastHandle = 0;
 
@@ -214,7 +214,8 @@ void append(AddressList* list, const Address& address) {
   }
 }
 
-/// Receives what is there, at most as much as `arrivals` holds for an endpoint; waits when nothing is.
+/// Receives what is there, at most as much as `arrivals` holds for an endpoint; waits when nothing is. A wait
+/// that runs out succeeds and leaves `*received` as it was.
 unsigned int receive(int descriptor, char* buffer, std::size_t* received, int waitSeconds) {
   const Clock::time_point deadline = Clock::now() + seconds(waitSeconds);
   for (;;) {

@@ -59,4 +59,14 @@ TEST(Heap, BlocksKeepTheirContentsAndAreUsedAgain) {
   giveBlock(nullptr);
 }
 
+#ifdef MIREL_CHECKED_MEMORY
+TEST(HeapDeathTest, CheckersSeeWhereBlocksEnd) {
+  for (const unsigned long size : {1UL, 600UL, 5UL << 20}) {
+    auto* const block = static_cast<volatile char*>(takeBlock(size, false));
+    EXPECT_DEATH(block[size + 15] = 1, "heap-buffer-overflow") << size;
+    giveBlock(const_cast<char*>(block));
+  }
+}
+#endif
+
 }  // namespace

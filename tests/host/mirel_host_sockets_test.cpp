@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <numeric>
 #include <sstream>
 
 #include "platform/sockets.h"
@@ -100,8 +99,9 @@ TEST_F(HostSockets, WaitOutlastsSignals) {
 }
 
 TEST_F(HostSockets, EveryByteComesOnceAndNoneFromAnEarlierConnection) {
-  std::string sent(100'000, '\0');
-  std::iota(sent.begin(), sent.end(), '\0');
+  std::string sent(40'000, '\0');
+  for (std::size_t i = 0; i < sent.size(); ++i)  // no two parts of a power of two are alike
+    sent[i] = static_cast<char>(i % 251);
   listenOn("127.0.0.1");
   for (const unsigned int size : {1U, 1000U, 1'000'000U}) {
     EXPECT_EQ(0U, connectTo("127.0.0.1"));
