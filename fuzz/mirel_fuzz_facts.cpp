@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "fuzz/mirel_fuzz.h"
-#include "platform/host/mirel_host_processors.h"
-#include "platform/host/mirel_host_sysinfo.h"
+#include "platform/host/sysinfo/mirel_host_processors.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo.h"
 
 namespace {
 

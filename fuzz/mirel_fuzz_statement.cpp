@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "fuzz/mirel_fuzz.h"
-#include "platform/host/mirel_host_statement.h"
-#include "platform/host/mirel_host_tokens.h"
+#include "platform/host/sqlcli/mirel_host_statement.h"
+#include "platform/host/sqlcli/mirel_host_tokens.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // What stands in cases.txt: functions of the host that tell their arguments only.
 #include <algorithm>
 
-#include "platform/host/mirel_host_statement.h"
-#include "platform/host/mirel_host_sysinfo_text.h"
-#include "platform/host/mirel_host_utf8.h"
+#include "platform/host/sqlcli/mirel_host_statement.h"
+#include "platform/host/sqlcli/mirel_host_utf8.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo_text.h"
 #include "platform/services.h"
 #include "tests/cases.h"
 

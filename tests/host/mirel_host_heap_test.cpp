@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_heap.h"
+#include "platform/host/services/mirel_host_heap.h"
 
 #include <gtest/gtest.h>
 

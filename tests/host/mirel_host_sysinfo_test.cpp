@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_sysinfo.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "platform/host/mirel_host_processors.h"
+#include "platform/host/sysinfo/mirel_host_processors.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_handles.h"
+#include "platform/host/sqlcli/mirel_host_handles.h"
 
 namespace host {
 

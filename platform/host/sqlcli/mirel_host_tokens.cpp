@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_tokens.h"
+#include "platform/host/sqlcli/mirel_host_tokens.h"
 
 #include <algorithm>
 

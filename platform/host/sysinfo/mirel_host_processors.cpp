@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_processors.h"
+#include "platform/host/sysinfo/mirel_host_processors.h"
 
 #include <dirent.h>
 
@@ -8,8 +8,8 @@
 #include <set>
 #include <vector>
 
-#include "platform/host/mirel_host_answer.h"
-#include "platform/host/mirel_host_sysinfo_text.h"
+#include "platform/host/sysinfo/mirel_host_answer.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo_text.h"
 
 namespace host {
 

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_statement.h"
+#include "platform/host/sqlcli/mirel_host_statement.h"
 
 #include <strings.h>
 
@@ -6,7 +6,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "platform/host/mirel_host_tokens.h"
+#include "platform/host/sqlcli/mirel_host_tokens.h"
 
 namespace host {
 

@@ -7,9 +7,9 @@
 
 #include <array>
 
-#include "platform/host/mirel_host_handles.h"
-#include "platform/host/mirel_host_odbc.h"
-#include "platform/host/mirel_host_statement.h"
+#include "platform/host/sqlcli/mirel_host_handles.h"
+#include "platform/host/sqlcli/mirel_host_odbc.h"
+#include "platform/host/sqlcli/mirel_host_statement.h"
 #include "platform/sqlcli.h"
 
 namespace host {

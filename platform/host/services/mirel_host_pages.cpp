@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_pages.h"
+#include "platform/host/services/mirel_host_pages.h"
 
 #include <sys/mman.h>
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "platform/admin.h"
-#include "platform/host/mirel_host_odbc.h"
-#include "platform/host/mirel_host_utf8.h"
+#include "platform/host/sqlcli/mirel_host_odbc.h"
+#include "platform/host/sqlcli/mirel_host_utf8.h"
 #include "platform/sqlcli.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "platform/admin.h"
-#include "platform/host/mirel_host_session.h"
-#include "platform/host/mirel_host_utf8.h"
+#include "platform/host/sqlcli/mirel_host_session.h"
+#include "platform/host/sqlcli/mirel_host_utf8.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_sysinfo_text.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo_text.h"
 
 #include <algorithm>
 #include <charconv>

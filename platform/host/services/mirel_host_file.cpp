@@ -5,7 +5,7 @@
 #include <array>
 #include <cerrno>
 
-#include "platform/host/mirel_host_descriptor.h"
+#include "platform/host/services/mirel_host_descriptor.h"
 #include "platform/services.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_heap.h"
+#include "platform/host/services/mirel_host_heap.h"
 
 #include <malloc.h>
 #include <sys/single_threaded.h>
@@ -10,7 +10,7 @@
 #include <new>
 #include <utility>
 
-#include "platform/host/mirel_host_pages.h"
+#include "platform/host/services/mirel_host_pages.h"
 
 namespace {
 

@@ -19,7 +19,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/host/mirel_host_descriptor.h"
+#include "platform/host/services/mirel_host_descriptor.h"
 #include "platform/sockets.h"
 
 namespace {

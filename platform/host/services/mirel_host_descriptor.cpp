@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_descriptor.h"
+#include "platform/host/services/mirel_host_descriptor.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -3,7 +3,7 @@
 
 #include <new>
 
-#include "platform/host/mirel_host_heap.h"
+#include "platform/host/services/mirel_host_heap.h"
 
 #ifndef MIREL_CHECKED_MEMORY
 

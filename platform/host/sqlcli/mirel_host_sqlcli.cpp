@@ -6,7 +6,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/host/mirel_host_session.h"
+#include "platform/host/sqlcli/mirel_host_session.h"
 #include "platform/sqlcli.h"
 
 using host::Connection;

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_utf8.h"
+#include "platform/host/sqlcli/mirel_host_utf8.h"
 
 namespace host {
 

@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_session.h"
+#include "platform/host/sqlcli/mirel_host_session.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 /// The processors of a machine.
 
-#include "platform/host/mirel_host_machine.h"
+#include "platform/host/sysinfo/mirel_host_machine.h"
 #include "platform/sysinfo.h"
 
 namespace host {

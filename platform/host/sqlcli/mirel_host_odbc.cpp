@@ -1,4 +1,4 @@
-#include "platform/host/mirel_host_odbc.h"
+#include "platform/host/sqlcli/mirel_host_odbc.h"
 
 #include <dlfcn.h>
 #include <sql.h>

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <initializer_list>
 
-#include "platform/host/mirel_host_heap.h"
+#include "platform/host/services/mirel_host_heap.h"
 #include "platform/services.h"
 
 namespace {

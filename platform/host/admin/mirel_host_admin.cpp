@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "platform/admin.h"
-#include "platform/host/mirel_host_descriptor.h"
+#include "platform/host/services/mirel_host_descriptor.h"
 
 namespace {
 

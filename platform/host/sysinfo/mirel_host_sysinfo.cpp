@@ -1,8 +1,8 @@
-#include "platform/host/mirel_host_sysinfo.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo.h"
 
-#include "platform/host/mirel_host_answer.h"
-#include "platform/host/mirel_host_processors.h"
-#include "platform/host/mirel_host_sysinfo_text.h"
+#include "platform/host/sysinfo/mirel_host_answer.h"
+#include "platform/host/sysinfo/mirel_host_processors.h"
+#include "platform/host/sysinfo/mirel_host_sysinfo_text.h"
 
 namespace host {
 

@@ -1,8 +1,8 @@
-#include "platform/host/mirel_host_machine.h"
+#include "platform/host/sysinfo/mirel_host_machine.h"
 
 #include <array>
 
-#include "platform/host/mirel_host_descriptor.h"
+#include "platform/host/services/mirel_host_descriptor.h"
 
 namespace host {
 

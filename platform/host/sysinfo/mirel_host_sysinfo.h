@@ -7,7 +7,7 @@
 
 #include <sys/statvfs.h>
 
-#include "platform/host/mirel_host_machine.h"
+#include "platform/host/sysinfo/mirel_host_machine.h"
 #include "platform/sysinfo.h"
 
 namespace host {

@@ -2,7 +2,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "platform/host/mirel_host_heap.h"
+#include "platform/host/services/mirel_host_heap.h"
 #include "platform/services.h"
 
 int _ossMemAlloc(void** block, void*, unsigned long size, unsigned int flags, const char*, unsigned int) {

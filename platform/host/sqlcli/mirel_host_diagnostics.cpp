@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "platform/host/mirel_host_session.h"
-#include "platform/host/mirel_host_utf8.h"
+#include "platform/host/sqlcli/mirel_host_session.h"
+#include "platform/host/sqlcli/mirel_host_utf8.h"
 #include "platform/sqlcli.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/host/mirel_host_statement.h"
+#include "platform/host/sqlcli/mirel_host_statement.h"
 
 namespace host {
 
