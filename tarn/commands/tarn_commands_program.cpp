@@ -1,0 +1,82 @@
+#include "tarn/commands/tarn_commands_program.h"
+
+#include <CLI/CLI.hpp>
+#include <new>
+
+#include "tarn/commands/tarn_commands_command.h"
+#include "tarn/commands/tarn_commands_console.h"
+
+namespace tarn {
+
+namespace {
+
+using Run = std::function<Outcome(Console&)>;
+
+std::string footerOf(const Command& command) {
+  return command.examples.empty() ? "" : "Example:\n  " + command.examples.front().line;
+}
+
+/// "fleet load" stands below "fleet", whose row comes first.
+CLI::App* parserOf(CLI::App& program, const Command& command) {
+  const std::size_t blank = command.name.find(' ');
+  if (blank == std::string::npos) {
+    return program.add_subcommand(command.name, command.sentence);
+  }
+  CLI::App* const above = program.get_subcommand(command.name.substr(0, blank));
+  return above->add_subcommand(command.name.substr(blank + 1), command.sentence);
+}
+
+void declare(CLI::App& program, const Command& command, Run* chosen) {
+  CLI::App* const parser = parserOf(program, command);
+  parser->footer(footerOf(command));
+  if (!command.bind) {  // a name for the commands below it
+    parser->require_subcommand(1);
+    return;
+  }
+  parser->callback([run = command.bind(*parser), chosen] { *chosen = run; });
+}
+
+int statusOf(Outcome outcome, const Console& console) {
+  return console.troubled() ? 2 : outcome == Outcome::something ? 1 : 0;
+}
+
+/// What the parser has to say instead of running a command: help and version, or what is wrong with the line.
+int answer(const CLI::App& program, const CLI::ParseError& said, Console& console) {
+  if (said.get_exit_code() != 0) {
+    console.trouble(shown(said.what()) + ", see tarn --help");
+    return 2;
+  }
+  std::ostringstream out;
+  std::ostringstream err;
+  program.exit(said, out, err);
+  console.bytes(out.str());
+  console.flush();
+  return statusOf(Outcome::nothing, console);
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv, Console& console) {
+  CLI::App program("Checks templates, and reads, compares, redacts and keeps the documents that mirel makes.",
+                   "tarn");
+  program.set_version_flag("--version", "tarn " TARN_VERSION);
+  program.set_help_flag("--help", "Print this help and end");
+  program.require_subcommand(1);
+  Run chosen;
+  for (const Command& command : commands()) {
+    declare(program, command, &chosen);
+  }
+  try {
+    program.parse(argc, argv);
+    const Outcome outcome = chosen(console);
+    console.flush();
+    return statusOf(outcome, console);
+  } catch (const CLI::ParseError& said) {
+    return answer(program, said, console);
+  } catch (const std::bad_alloc&) {
+    console.trouble("out of memory");
+    return 2;
+  }
+}
+
+}  // namespace tarn

@@ -1,0 +1,60 @@
+#pragma once
+/// Writes strict JSON (RFC 8259) for `--json` and for pages: valid UTF-8 whatever comes in.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+/// Appends a string with its quotes. Bytes below 0x20 become `\b \t \n \f \r` or `\u00xx`, bytes that are no
+/// UTF-8 U+FFFD, one for each maximal subpart (Unicode 3.9).
+void appendJsonString(std::string_view text, std::string& out);
+
+/// Puts one value together, member by member; commas are its own business.
+///
+///     JsonText json;
+///     json.object().member("file", name).member("bytes", 12).key("silent").array();
+///     for (...) json.element(pointer);
+///     json.end().end();
+///     console.bytes(json.text() + "\n");
+class JsonText {
+ public:
+  JsonText& object() { return open('{'); }
+  JsonText& array() { return open('['); }
+  /// Ends the innermost object or array.
+  JsonText& end();
+  JsonText& key(std::string_view name);
+
+  JsonText& element(std::string_view text);
+  JsonText& element(const char* text) { return element(std::string_view(text)); }
+  JsonText& element(std::uint64_t number);
+  JsonText& element(double number);
+  JsonText& element(bool flag);
+  JsonText& null();
+  /// JSON that is strict already.
+  JsonText& raw(std::string_view json);
+
+  template <class Value>
+  JsonText& member(std::string_view name, const Value& value) {
+    return key(name).element(value);
+  }
+  /// Null when there is none.
+  template <class Value>
+  JsonText& member(std::string_view name, const std::optional<Value>& value) {
+    key(name);
+    return value ? element(*value) : null();
+  }
+
+  const std::string& text() const { return m_text; }
+
+ private:
+  JsonText& open(char bracket);
+  void separate();
+
+  std::string m_text, m_open;  ///< `m_open`: the brackets that are still to come
+  bool m_first = true;         ///< nothing stands yet in the innermost container, or behind a key
+};
+
+}  // namespace tarn

@@ -1,0 +1,34 @@
+#pragma once
+/// A file that appears whole or not at all: written beside its place, forced to disk, renamed.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarn {
+
+class OutputFile {
+ public:
+  OutputFile() = default;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  /// Takes away what was not finished.
+  ~OutputFile();
+
+  /// Opens a file without a name of its own in the folder of `path`, mode 0600. A message of the system's
+  /// when that fails. What stands at `path` is touched by `finish` alone; a folder, a device or a FIFO there
+  /// is refused.
+  std::optional<std::string> open(const std::string& path);
+  std::optional<std::string> write(std::string_view bytes);
+  /// Gives the file its name, in place of what stood there, with `mode` less the umask.
+  std::optional<std::string> finish(unsigned int mode);
+
+ private:
+  std::string m_path, m_temporary;
+  int m_descriptor = -1;
+};
+
+/// Whether both paths lead to one file (device and inode), as an output over its own input would.
+bool sameFile(const std::string& one, const std::string& other);
+
+}  // namespace tarn

@@ -1,0 +1,70 @@
+#pragma once
+/// Text that is safe to show on a terminal.
+///
+/// Whatever comes from a document, a template, a file name or the system goes through `shown` before it is
+/// printed; the console takes nothing else, so the compiler finds who forgot. C0 and C1 controls, DEL and
+/// bytes that are no UTF-8 appear as `\xNN`; bidirectional controls, line and paragraph separators and other
+/// invisible format characters as `\u{…}`.
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace tarn {
+
+class Shown {
+ public:
+  Shown() = default;
+  /// Our own words.
+  template <std::size_t size>
+  Shown(const char (&literal)[size]) : m_text(literal, size - 1) {}
+  template <class Number, class = std::enable_if_t<std::is_arithmetic_v<Number>>>
+  explicit Shown(Number number) : m_text(fmt::to_string(number)) {}
+
+  Shown& operator+=(const Shown& more) {
+    m_text += more.m_text;
+    return *this;
+  }
+  friend Shown operator+(Shown text, const Shown& more) { return std::move(text += more); }
+
+  const std::string& text() const { return m_text; }
+
+ private:
+  friend Shown shown(std::string_view foreign);
+  friend Shown shownLines(std::string_view foreign);
+  template <class... Parts>
+  friend Shown say(fmt::format_string<const Parts&...> format, const Parts&... parts);
+
+  std::string m_text;
+};
+
+/// Foreign text on one line: line feeds are shown as `\x0a`.
+Shown shown(std::string_view foreign);
+/// Foreign text that may go over several lines: line feeds stay, and a tab is a blank.
+Shown shownLines(std::string_view foreign);
+
+/// Puts a text together by a format of ours (fmt). Parts are `Shown` or numbers.
+template <class... Parts>
+Shown say(fmt::format_string<const Parts&...> format, const Parts&... parts) {
+  static_assert(((std::is_same_v<Parts, Shown> || std::is_arithmetic_v<Parts>)&&...),
+                "foreign text goes through shown()");
+  Shown result;
+  result.m_text = fmt::format(format, parts...);
+  return result;
+}
+
+/// How many terminal columns the text takes: wide characters of East Asian scripts two, combining marks none.
+std::size_t columns(std::string_view text);
+
+}  // namespace tarn
+
+template <>
+struct fmt::formatter<tarn::Shown> : fmt::formatter<std::string_view> {
+  template <class Context>
+  auto format(const tarn::Shown& shown, Context& context) const {
+    return fmt::formatter<std::string_view>::format(shown.text(), context);
+  }
+};
