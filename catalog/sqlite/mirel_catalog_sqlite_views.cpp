@@ -60,6 +60,7 @@ constexpr Column kTables[] = {
     {"control", "CHAR(1)", "''"},
 };
 
+// The tables of type T in syscat.tables: views and virtual tables have no statistics.
 constexpr Column kTableStatistics[] = {
     // As in syscat.tables.
     {"tabschema", "VARCHAR", "'main'"},
@@ -171,11 +172,12 @@ constexpr Column kDataPartitions[] = {
 };
 
 constexpr Column kConfiguration[] = {
-    // Name of a PRAGMA, of an option that the library was compiled with, or sqlite_version.
+    // Name of a PRAGMA, of an option that the library was compiled with, sqlite_version, or hadr_role: the
+    // engine knows no replication, so a database stands alone.
     {"name", "VARCHAR", "s.name"},
     // Its present value; ON for a compile option without one.
     {"value", "VARCHAR", "s.value"},
-    // Where it was asked: PRAGMA, COMPILATION, LIBRARY.
+    // Where it was asked: PRAGMA, COMPILATION, LIBRARY, ENGINE.
     {"source", "VARCHAR", "s.source"},
     // The member to ask: there is only 0, and -2 stands for all.
     {"member", "INTEGER HIDDEN", "?1"},
@@ -195,8 +197,9 @@ constexpr const char* kSettings =
     "union all select substr(o, 1, instr(o || '=', '=') - 1), "
     "case when instr(o, '=') then substr(o, instr(o, '=') + 1) else 'ON' end, 'COMPILATION' "
     "from (select compile_options as o from pragma_compile_options) "
-    "union all select 'sqlite_version', sqlite_version(), 'LIBRARY') as s "
-    "where s.value is not null and ifnull(?1, -2) in (-2, 0)";
+    "union all select 'sqlite_version', sqlite_version(), 'LIBRARY' "
+    "union all select 'hadr_role', 'STANDARD', 'ENGINE') as s "
+    "where s.value is not null and ifnull(?1, -2) in (-2, 0) order by s.source, s.name";
 
 constexpr Column kEncryption[] = {
     // Path of the database file; empty for a database in memory.
@@ -222,15 +225,17 @@ constexpr Column kOneRow[] = {
 };
 
 constexpr View kAllViews[] = {
-    {"syscat", "tables", kTables, "from objects as t"},
+    {"syscat", "tables", kTables, "from objects as t order by t.name"},
     {"syscat", "columns", kColumns,
-     "from objects as t join pragma_table_xinfo(t.usable, 'main') as c where c.hidden <> 1"},
-    {"syscat", "bufferpools", kBufferPools, "from databases as d"},
-    {"syscat", "tablespaces", kTableSpaces, "from databases as d"},
+     "from objects as t join pragma_table_xinfo(t.usable, 'main') as c where c.hidden <> 1 "
+     "order by t.name, c.cid"},
+    {"syscat", "bufferpools", kBufferPools, "from databases as d order by d.seq"},
+    {"syscat", "tablespaces", kTableSpaces, "from databases as d order by d.seq"},
     {"syscat", "securitylabels", kSecurityLabels, "where 0"},
-    {"syscat", "statements", kStatements, "from main.sqlite_schema as t where t.type = 'trigger'"},
+    {"syscat", "statements", kStatements,
+     "from main.sqlite_schema as t where t.type = 'trigger' order by t.name"},
     {"syscat", "datapartitions", kDataPartitions, "where 0"},
-    {"sysstat", "tables", kTableStatistics, "from objects as t"},
+    {"sysstat", "tables", kTableStatistics, "from objects as t where t.stored order by t.name"},
     {"syszent", "sysdummy1", kOneRow, ""},
     {"sysproc", "db_get_cfg", kConfiguration, kSettings},
     {"sysproc", "admin_get_encryption_info", kEncryption, "from databases as d where d.name = 'main'"},
