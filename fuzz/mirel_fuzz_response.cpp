@@ -31,23 +31,24 @@ std::size_t nextSize() {
 std::size_t endOf(const std::string& text) {
   HttpResponse response;
   std::size_t end = 0;
-  while (end < text.size() && !response.receive(&text[end], 1)) {
-    ++end;
+  while (end < text.size() && !response.complete()) {
+    require(response.receive(&text[end++], 1) == 1, "a response that goes on takes what comes");
   }
-  return end < text.size() ? end + 1 : npos;
+  return response.complete() ? end : npos;
 }
 
-/// The body that arrives. Of each piece that is what stands before its first NUL, and none follows the piece
-/// that completes the response.
+/// The body that arrives. Of each piece that is what stands before its first NUL, and nothing follows the
+/// byte that completes the response.
 std::string bodyOf(const std::string& text) {
   const std::size_t end = endOf(text);
   HttpResponse response;
   std::string whole;
   for (std::size_t position = 0; position < text.size();) {
     const std::string piece = text.substr(position, nextSize());
-    whole += position < end ? piece.c_str() : "";
+    const std::size_t taken = response.receive(piece.data(), piece.size());
+    require(taken == std::min(piece.size(), end - std::min(position, end)), "it ends where it ends");
+    whole += piece.substr(0, taken).c_str();
     position += piece.size();
-    require(response.receive(piece.data(), piece.size()) == (position >= end), "it ends where it ends");
   }
   const std::size_t head = whole.find("\r\n\r\n");
   return whole.substr(std::min(head == npos ? 3 : head + 4, whole.size()));

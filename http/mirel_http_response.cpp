@@ -1,5 +1,6 @@
 #include "http/mirel_http_response.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -31,22 +32,21 @@ bool readNumber(const char* text, int base, const char* mayFollow, unsigned long
 
 }  // namespace
 
-bool HttpResponse::receive(const char* bytes, unsigned long count) {
-  while (count > 0 && m_state != State::complete && m_state != State::untilClose) {
+unsigned long HttpResponse::receive(const char* bytes, unsigned long count) {
+  unsigned long taken = 0;
+  while (taken < count && m_state != State::complete && m_state != State::untilClose) {
     if (m_state != State::body && m_state != State::chunk) {
-      receiveByte(*bytes++);
-      --count;
+      receiveByte(bytes[taken++]);
       continue;
     }
-    const unsigned long taken = count < m_remaining ? count : m_remaining;
-    bytes += taken;
-    count -= taken;
-    m_remaining -= taken;
+    const unsigned long part = std::min(count - taken, m_remaining);
+    taken += part;
+    m_remaining -= part;
     if (m_remaining == 0) {
       m_state = m_state == State::body ? State::complete : State::chunkEnd;
     }
   }
-  return m_state == State::complete;
+  return m_state == State::untilClose ? count : taken;
 }
 
 void HttpResponse::receiveByte(char byte) {

@@ -8,8 +8,9 @@
 
 class HttpResponse {
  public:
-  /// Looks at the next bytes; whether the response is complete.
-  bool receive(const char* bytes, unsigned long count);
+  /// Looks at the next bytes; how many of them belong to the response. What follows them is behind its end.
+  unsigned long receive(const char* bytes, unsigned long count);
+  bool complete() const { return m_state == State::complete; }
   /// How many more bytes of the body, or of its current chunk, are announced.
   unsigned long announced() const {
     return m_state == State::body || m_state == State::chunk ? m_remaining : 0;

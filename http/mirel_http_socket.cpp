@@ -80,10 +80,10 @@ mirel_string Socket::recv() {
   for (bool more = true, announced = false; more;) {
     unsigned int received = 0;
     const unsigned int code = sqloPdbRecvBuffer(m_socket, buffer, kChunk, &received, kWaitSeconds, 0);
-    const unsigned long count = std::min<unsigned long>(received, kChunk);
+    const unsigned long count = response.receive(buffer, std::min<unsigned long>(received, kChunk));
     text.append(buffer, strnlen(buffer, count));
     // A wait that ran out is no error and brought nothing. Errors would come again for ever.
-    more = !response.receive(buffer, count) && code == 0;
+    more = !response.complete() && code == 0;
     if (!announced && response.announced() > 0) {
       text.expect(std::min(response.announced(), kTrusted));
       announced = true;

@@ -25,7 +25,8 @@ class Socket {
   bool send(const mirel_string& head, const mirel_string& body = "");
 
   /// One HTTP response, as it came: everything until it is complete, the peer closes, or the connection
-  /// fails. A NUL byte costs the rest of its read (at most 1,024 bytes). Waits as long as the peer lives.
+  /// fails; what came behind its end is dropped. A NUL byte costs the rest of its read (at most 1,024 bytes).
+  /// Waits as long as the peer lives.
   mirel_string recv();
 
   bool close();
