@@ -209,11 +209,11 @@ mirel_string mirel_string::ltrim() const {
 }
 
 bool mirel_string::operator==(const mirel_string& other) const {
-  return strncmp(c_str(), other.c_str(), m_capacity) == 0;
+  return equals(other.c_str());
 }
 
-bool mirel_string::operator==(const char* other) const {
-  return strcmp(c_str(), other) == 0;
+bool mirel_string::equals(const char* other) const {
+  return strncmp(c_str(), other == nullptr ? "" : other, m_capacity) == 0;
 }
 
 mirel_string& mirel_string::operator+=(const mirel_string& other) {

@@ -8,6 +8,7 @@
 /// Cost: every copy allocates once; moving is free. To put a text together from many pieces, append to a
 /// `mirel_string_builder` (common/mirel_common_builder.h): `+=` and `+` copy everything each time.
 
+#include <concepts>
 #include <iosfwd>
 
 class mirel_string {
@@ -67,8 +68,11 @@ class mirel_string {
 
   /// Exact, over at most this string's capacity: one whose allocation failed equals every other string.
   bool operator==(const mirel_string& other) const;
-  /// Exact, without an allocation.
-  bool operator==(const char* other) const;
+  /// The same without an allocation.
+  template <std::same_as<const char*> Text>
+  bool operator==(Text other) const {
+    return equals(other);
+  }
   mirel_string& operator+=(const mirel_string& other);
   friend mirel_string operator+(const mirel_string& a, const mirel_string& b);
 
@@ -85,6 +89,7 @@ class mirel_string {
   mirel_string(char* block, unsigned long length, unsigned long capacity);
 
   void copyFrom(const mirel_string& other);
+  bool equals(const char* other) const;
   template <class Number>
   void format(const char* pattern, Number number);
 

@@ -65,8 +65,12 @@ TEST_F(String, ComparesExactlyAndEndsAtItsLastCharacter) {
   EXPECT_EQ("bc", std::string({abc.at(1), abc.at(99)}));
   EXPECT_EQ('\0', mirel_string("").at(0));
   EXPECT_TRUE(abc == "abc");
-  for (const char* other : {"ABC", "abcd", "ab", ""})
-    EXPECT_FALSE(abc == other || mirel_string(other) == abc) << other;
+  for (const char* other : {"ABC", "abcd", "ab", "", static_cast<const char*>(nullptr)})
+    EXPECT_FALSE(abc == other || mirel_string(other) == abc || abc == mirel_string(other)) << other;
+  EXPECT_TRUE(mirel_string("") == nullptr && !(abc == nullptr) && mirel_string("0") == 0);
+  platform.fail("_ossMemAlloc");
+  const mirel_string lost("lost");
+  EXPECT_TRUE(lost == "abc" && lost == abc && lost == nullptr && !(abc == lost));
 }
 
 // Nobody assigns a string to itself; it must still stay within its block.
