@@ -6,10 +6,10 @@
 #include <limits>
 #include <memory>
 
+#include "common/mirel_common_console.h"
 #include "common/mirel_common_memory.h"
 #include "db/mirel_db_resultset.h"
 #include "json/mirel_json_value.h"
-#include "platform/progress.h"
 
 namespace {
 
@@ -173,7 +173,7 @@ bool DBConnection::execute(const mirel_string& statement) {
 }
 
 void extract_error(const char* step, SQLHANDLE handle, short handleType) {
-  progressHide();
+  hideWork();
   std::cerr << "Trying to run: " << step << std::endl;
   SQLRETURN code = SQL_SUCCESS;
   for (short record = 1; code == SQL_SUCCESS && record < std::numeric_limits<short>::max(); ++record) {

@@ -2,22 +2,21 @@
 
 #include <iostream>
 
-#include "common/mirel_common_memory.h"
+#include "common/mirel_common_console.h"
 #include "generator/mirel_generator_template.h"
 #include "http/mirel_http_client.h"
 #include "platform/services.h"
+#include "platform/sockets.h"
 
 namespace {
 
 constexpr char kRule[] = "------------------------------";
 
 mirel_string download(const mirel_string& host, unsigned long port) {
+  sqloPdbCommFncInit();
   HttpClient client(host, port);
   std::cout << "Downloading tarnconfig.json from " << host << "..." << std::endl;
   mirel_string text = client.get("/config");
-  if (memoryRanOut) {
-    return "";
-  }
   std::cout << "Done." << std::endl;
   return text;
 }
@@ -26,13 +25,10 @@ void upload(const mirel_string& result, const mirel_string& host, unsigned long 
   HttpClient client(host, port);
   std::cout << "Sending result to " << host << "..." << std::endl;
   const mirel_string response = client.post("/tarn", result);
-  // Nothing was sent, or the answer is lost.
-  if (memoryRanOut) {
-    return;
-  }
   std::cout << "Sent result to " << host << "." << std::endl;
   std::cout << "Response" << std::endl << kRule << std::endl;
   std::cout << response << std::endl << kRule << std::endl;
+  sqloPdbCommFncTerm();
 }
 
 void save(const mirel_string& result, const mirel_string& outfile) {
@@ -72,8 +68,8 @@ unsigned int writeToFile(const mirel_string& path, const mirel_string& text) {
     return opened;
   }
   unsigned long written = 0;
-  if (file.write(&whole, &written) == 0) {
-    file.sync();
+  if (file.write(&whole, &written) != 0 || file.sync() != 0) {
+    complain("failed to write to the result file");
   }
   return file.close();
 }

@@ -1,19 +1,17 @@
 #include "driver/mirel_driver_run.h"
 
-#include <iostream>
 #include <memory>
 #include <new>
-#include <optional>
 #include <utility>
 
+#include "common/mirel_common_console.h"
 #include "common/mirel_common_memory.h"
 #include "driver/mirel_driver_delivery.h"
 #include "driver/mirel_driver_options.h"
 #include "generator/mirel_generator_walk.h"
-#include "http/mirel_http_socket.h"
 #include "json/mirel_json_parser.h"
-#include "platform/progress.h"
 #include "platform/services.h"
+#include "platform/sockets.h"
 
 namespace {
 
@@ -21,15 +19,23 @@ void setCustomer(CustomerCollector* customer, const RunSettings& from) {
   customer->setCustomerInfo(from.name, from.company, from.email, from.country, from.address, from.telephone);
 }
 
+/// The socket layer, which `readConfig` sets up and `writeResult` ends. This ends it where no result is
+/// written.
+struct SocketsInUse {
+  bool inUse;
+  ~SocketsInUse() {
+    if (inUse) {
+      sqloPdbCommFncTerm();
+    }
+  }
+};
+
 /// From the template to the delivered result. When memory runs out on the way, nothing is delivered.
 void collect(const RunSettings& settings, CustomerCollector* customer, JsonParser* parser,
              Generator* generator) {
   setCustomer(customer, settings);
   std::unique_ptr<Value> root;  // goes after the socket layer has ended
-  std::optional<SocketLayer> sockets;
-  if (settings.send) {
-    sockets.emplace();
-  }
+  SocketsInUse sockets{settings.send};
   mirel_string config = readConfig(settings.send, settings.host, settings.port);
   if (memoryRanOut) {
     return;
@@ -37,9 +43,10 @@ void collect(const RunSettings& settings, CustomerCollector* customer, JsonParse
   root.reset(parser->parse(std::move(config)));
   generator->set(settings.database, customer);
   root->accept(*generator);
-  progressHide();
+  hideWork();
   const mirel_string result = root->stringify(0);
   if (!memoryRanOut) {
+    sockets.inUse = false;
     writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
   }
 }
@@ -62,9 +69,9 @@ int run(int argc, char** argv) {
     memoryRanOut = true;
   }
   if (memoryRanOut) {
-    progressHide();
-    std::cerr << "out of memory" << std::endl;
+    complain("out of memory");
   }
+  complainOfLostOutput();
   ossTerminate();
   return 0;
 }

@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/progress.h"
+#include "common/mirel_common_console.h"
 
 namespace {
 
@@ -16,13 +16,13 @@ mirel_string withoutBrackets(const mirel_string& word) {
 
 void Generator::set(const mirel_string& database, CustomerCollector* customer) {
   if (database.length() > 1) {
-    progressShow("connecting");
+    showWork("connecting");
     if (sqlSucceeded(m_connection.connect(database))) {
       m_databaseName = database;
     }
   }
   m_customer = customer;
-  progressShow("taking the facts of the host");
+  showWork("taking the facts of the host");
   m_instance.collect();
   m_platform.collect();
   m_customer->collect();
@@ -55,7 +55,7 @@ void Generator::visit(KeyValuePair* pair) {
   }
   Value* value = pair->getValue();
   if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
-    progressShow(pair->getKey().c_str());
+    showWork(pair->getKey().c_str());
     parseAndExecute(primitive, pair);
   } else if (value != nullptr) {
     value->accept(*this);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "common/mirel_common_builder.h"
+#include "common/mirel_common_console.h"
 #include "common/mirel_common_memory.h"
 
 namespace {
@@ -56,5 +57,6 @@ mirel_string HttpClient::exchange(const mirel_string& head, const mirel_string& 
   m_socket.send(head, body);
   mirel_string response = m_socket.recv();
   m_socket.close();
+  hideWork();
   return response;
 }

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "common/mirel_common_builder.h"
+#include "common/mirel_common_console.h"
 #include "http/mirel_http_response.h"
 
 namespace {
@@ -16,7 +17,7 @@ constexpr int kWaitSeconds = 5;
 constexpr unsigned long kTrusted = 256UL << 20;
 
 bool failed(const char* message) {
-  std::cerr << message << std::endl;
+  complain(message);
   return false;
 }
 
@@ -41,6 +42,7 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   if (sqloPdbCreateSocket(&m_socket, 0) != 0) {
     return failed("failed to create socket");
   }
+  showWork("resolving the server's name");
   SqloHostAddress address = {};
   if (sqloPdbTcpIpResolveHostName(host.c_str(), &address, 10, 1) != 0) {
     return failed("failed to get hostname");
@@ -48,6 +50,7 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
   if (sqloPdbInitNodeAddrHndl(0, &m_addr, &address, static_cast<unsigned int>(port)) != 0) {
     return failed("failed to init node addr handle");
   }
+  showWork("connecting to the server");
   if (sqloPdbConnectSocket(m_socket, &m_addr) != 0) {
     return failed("failed to connect");
   }
@@ -55,6 +58,7 @@ bool Socket::open(const mirel_string& host, unsigned long port) {
 }
 
 bool Socket::send(const mirel_string& head, const mirel_string& body) {
+  showWork("sending to the server");
   const unsigned long total = head.length() + body.length();
   unsigned long offset = 0;
   while (offset < total) {
@@ -65,6 +69,7 @@ bool Socket::send(const mirel_string& head, const mirel_string& body) {
     const unsigned int code = sqloPdbSendBuffer(m_socket, chunk, static_cast<unsigned int>(count), &sent);
     // A success that takes nothing would be repeated for ever.
     if (code != 0 || sent == 0) {
+      hideWork();
       std::cout << "failed to send: " << mirel_string(chunk, count) << std::endl;
       return false;
     }
@@ -74,6 +79,7 @@ bool Socket::send(const mirel_string& head, const mirel_string& body) {
 }
 
 mirel_string Socket::recv() {
+  showWork("waiting for the server");
   mirel_string_builder text;
   HttpResponse response;
   char buffer[kChunk + 1];

@@ -3,18 +3,9 @@
 #include "common/mirel_string.h"
 #include "platform/sockets.h"
 
-/// The platform's socket layer, set up for as long as this lives.
-class SocketLayer {
- public:
-  SocketLayer() { sqloPdbCommFncInit(); }
-  ~SocketLayer() { sqloPdbCommFncTerm(); }
-  SocketLayer(const SocketLayer&) = delete;
-  SocketLayer& operator=(const SocketLayer&) = delete;
-};
-
 /// A TCP client endpoint: `open`, any number of `send`, `recv`, `close`; then it may be opened anew.
 ///
-/// There must be a `SocketLayer` around it. What fails is told in one line on standard error.
+/// The socket layer must be set up (`sqloPdbCommFncInit`). What fails is told in one line on standard error.
 /// Destruction closes nothing; what a failed `open` leaves is released with the layer.
 class Socket {
  public:

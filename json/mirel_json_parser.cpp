@@ -4,6 +4,7 @@
 #include <iostream>
 #include <utility>
 
+#include "common/mirel_common_console.h"
 #include "json/mirel_json_value.h"
 
 namespace {
@@ -214,5 +215,6 @@ void JsonParser::printParseError(std::initializer_list<JsonTokenType> expected, 
     std::cout << '"' << nameOf(actual);
   }
   std::cout << "\" on line " << line << " column " << column + 1 << std::endl;
+  complainOfLostOutput();
   std::exit(-1);
 }

@@ -76,14 +76,14 @@ def test_no_file_descriptors_left(host, tmp_path, files):
 
 
 @pytest.mark.skipif(os.geteuid() != 0, reason="mounts file systems")
-@pytest.mark.parametrize("limit, end", [
-    ("mount --bind . . && mount -o remount,bind,ro . && mount -o remount,bind,ro /", "There was an error writing to file.\n0\n"),
-    # What a write comes to is not told; the file ends in the middle.
-    ("mount -t tmpfs -o size=4k none .", "Written to file: out\n4096\n"),
-    ("ulimit -f 8", "Written to file: out\n4096\n"),  # in blocks of 512 bytes; the signal must not end the run
+@pytest.mark.parametrize("limit, end, complaint", [
+    ("mount --bind . . && mount -o remount,bind,ro . && mount -o remount,bind,ro /", "There was an error writing to file.\n0\n", ""),
+    ("mount -t tmpfs -o size=4k none .", "Written to file: out\n4096\n", "failed to write to the result file\n"),
+    ("ulimit -f 8", "Written to file: out\n4096\n", "failed to write to the result file\n"),  # in blocks of 512 bytes; the signal must not end the run
 ])
-def test_file_systems_that_take_nothing_more(host, limit, end):
-    printed, _ = host("unshare", "--mount", "sh", "-c",
+def test_file_systems_that_take_nothing_more(host, limit, end, complaint):
+    printed, errors = host("unshare", "--mount", "sh", "-c",
                       f"{limit} && cd $PWD && {BUILD}/mirel -z -a {'x' * 5000} -o out; cat out | wc -c")
     document, told = printed.rsplit("\n\n", 1)
     assert (told, facts(document)["address"]) == (end, "x" * 5000)
+    assert errors.endswith(complaint)

@@ -5,7 +5,7 @@ import subprocess
 from contextlib import suppress
 
 import pytest
-from conftest import BUILD, members
+from conftest import BUILD, members, server
 
 
 @pytest.fixture
@@ -48,25 +48,52 @@ def test_default_document(mirel, instance):
     assert [key for key, value in document["platformInfo"] if value == ""] == []
 
 
-@pytest.mark.parametrize("redirection", [">&-", ">/dev/full", "| head -c 1 >/dev/null", "<&- >&- 2>&-"])
-def test_losing_standard_output_costs_neither_file_nor_status(tmp_path, instance, redirection):
+LOST = b"failed to write to standard output\n"
+
+
+@pytest.mark.parametrize("redirection, told", [
+    (">&-", LOST), (">/dev/full", LOST), ("| head -c 1 >/dev/null", LOST), ("<&- >&- 2>&-", b"")])
+def test_losing_standard_output_is_told_and_costs_neither_file_nor_status(tmp_path, instance, redirection, told):
     command = f"set -o pipefail; {BUILD}/mirel -z -o out {redirection}"
-    status = subprocess.run(["bash", "-c", command], cwd=tmp_path, env=instance, timeout=60, check=False)
-    assert status.returncode == 0
+    run = subprocess.run(["bash", "-c", command], cwd=tmp_path, env=instance, timeout=60, stderr=subprocess.PIPE, check=False)
+    assert (run.returncode, run.stderr) == (0, told)
     document = (tmp_path / "out").read_text()
     assert dict(members(document))["tarn_version"] == "1.1" and document.endswith("}")
 
 
-def test_long_work_shows_on_a_terminal_only(mirel, instance, commands):
+@pytest.mark.parametrize("arguments, status, told", [("", 0, b""), ("--bogus", 0, LOST), (
+    "-zsh 127.0.0.1 -p 1", 255, b"failed to connect\n" + LOST)])
+def test_losing_other_texts_is_told(tmp_path, arguments, status, told):
+    run = subprocess.run(f"{BUILD}/mirel {arguments} >/dev/full", shell=True, cwd=tmp_path, capture_output=True, check=False)
+    assert (run.returncode, run.stderr) == (status, told)
+
+
+@pytest.fixture
+def watched(mirel):
+    """Runs the program with its standard error on a terminal; gives what it showed there, too."""
+    def run(*arguments, **options):
+        terminal, side = os.openpty()
+        result = mirel(*arguments, stderr=side, **options)
+        os.close(side)
+        shown = ""
+        with suppress(OSError):  # the end of what was written
+            while True:
+                shown += os.read(terminal, 10_000).decode()
+        os.close(terminal)
+        return result, shown
+    return run
+
+
+def test_waiting_for_the_server_shows(watched):
+    with server([2.5, b"no template"]) as (port, _):
+        result, line = watched("-zsh", "127.0.0.1", "-p", str(port))
+    assert re.fullmatch(r"(\r\[\d s\] 4: waiting for the server\x1b\[K\r)+\r\x1b\[K", line)
+    assert result.returncode == 255
+
+
+def test_long_work_shows_on_a_terminal_only(mirel, watched, instance, commands):
     commands(katolevel="sleep 2.5; echo 1")
-    terminal, side = os.openpty()
-    shown = mirel("-z", env=instance, stderr=side)
-    os.close(side)
-    line = ""
-    with suppress(OSError):  # the end of what was written
-        while True:
-            line += os.read(terminal, 10_000).decode()
-    os.close(terminal)
+    shown, line = watched("-z", env=instance)
     hidden = mirel("-z", env=instance)
     assert re.fullmatch(r"(\r\[\d s\] \d+: versionRaw\x1b\[K\r)+\r\x1b\[K", line)
     assert (shown.returncode, hidden.returncode, hidden.stderr) == (0, 0, b"")

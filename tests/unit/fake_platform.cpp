@@ -8,7 +8,6 @@
 #include <iostream>
 
 #include "common/mirel_common_memory.h"
-#include "platform/progress.h"
 #include "platform/sockets.h"
 
 namespace {
@@ -604,8 +603,5 @@ void __wrap_exit(int status) {
     std::longjmp(*s_insteadOfExit, (status & 0xFF) + 1);
   __real_exit(status);
 }
-
-void progressShow(const char*) {}
-void progressHide() {}
 
 }  // extern "C"

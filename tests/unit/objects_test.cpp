@@ -1,9 +1,12 @@
 // What is more than a function of its arguments: trees, collectors and connections that last.
+#include <gmock/gmock.h>
+
 #include <cstring>
 
 #include "collectors/mirel_collectors_instance.h"
 #include "common/mirel_common_memory.h"
 #include "db/mirel_db_connection.h"
+#include "driver/mirel_driver_delivery.h"
 #include "generator/mirel_generator_walk.h"
 #include "http/mirel_http_socket.h"
 #include "json/mirel_json_parser.h"
@@ -76,11 +79,19 @@ TEST_F(Objects, ResponseNeedsNoRoomForWhatItOnlyAnnounces) {
   const char response[] = "HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\nshort";
   platform.responses = {{response}};
   platform.fail("_ossMemAlloc(1000000");
-  const SocketLayer layer;
   Socket socket;
   EXPECT_TRUE(socket.open("h", 1));
   EXPECT_STREQ(response, socket.recv().c_str());
+  EXPECT_TRUE(socket.close());
   EXPECT_TRUE(platform.count("_ossMemAlloc(1000000") == 1 && !memoryRanOut);
+}
+
+TEST_F(Objects, ExchangeSetsTheSocketLayerUpAndEndsIt) {
+  platform.responses = {{"HTTP/1.1 200 OK\r\n\r\n{}"}, {"thanks"}};
+  EXPECT_STREQ("{}", readConfig(true, "h", 1).c_str());
+  EXPECT_EQ("communication 1", platform.open());
+  writeResult("{}", true, "h", 1, true, "/f");
+  EXPECT_THAT(standardOutput(), testing::EndsWith("\nthanks\n------------------------------\n"));
 }
 
 // The name of the database goes through a record of 256 bytes.

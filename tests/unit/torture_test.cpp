@@ -195,12 +195,12 @@ INSTANTIATE_TEST_SUITE_P(, Torture, testing::Bool(),
 using Send = PlatformTest;
 
 TEST_F(Send, EndsWhereNothingIsTaken) {
-  const SocketLayer layer;
   Socket socket;
   platform.sendLimit = 0;
   EXPECT_TRUE(socket.open("h", 1));
   EXPECT_FALSE(socket.send("text"));
   EXPECT_EQ("failed to send: text\n", standardOutput());
+  EXPECT_TRUE(socket.close());
 }
 
 }  // namespace

@@ -68,7 +68,8 @@ unsigned int OSSHFile::sync() {
   do {
     result = fsync(static_cast<int>(m_handle));
   } while (result != 0 && errno == EINTR);
-  return result == 0 ? 0 : static_cast<unsigned int>(errno);
+  const bool nothingToSync = errno == EINVAL || errno == EROFS;  // pipes and devices
+  return result == 0 || nothingToSync ? 0 : static_cast<unsigned int>(errno);
 }
 
 // The kernel's own files (/proc) report a size of 0 whatever they hold; their size is what can be read.

@@ -14,11 +14,13 @@ namespace {
 void ignoreSignal(int) {}
 
 /// Opens /dev/null in place of a standard descriptor that the caller left closed, so that no file, pipe or
-/// database connection opened later takes its number and receives what is printed.
+/// database connection opened later takes its number and receives what is printed. What is printed on a
+/// standard output that was closed still fails.
 unsigned int openStandardDescriptors() {
   for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+    const int access = descriptor == STDOUT_FILENO ? O_RDONLY : O_RDWR;
     // open(2) takes the lowest free number. No O_CLOEXEC: commands inherit these three.
-    if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", O_RDWR) == -1) {
+    if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", access) == -1) {
       return static_cast<unsigned int>(errno);
     }
   }
