@@ -35,12 +35,25 @@ struct Example {
   std::string prints;
 };
 
+/// A word that a command knows, and what it means: a rule, a kind, a member of its `--json`.
+struct Entry {
+  std::string word;
+  std::string sentence;
+};
+
+struct List {
+  std::string title;  ///< the manual's heading
+  std::string type;   ///< type name of the options that take such a word, for completion; may be empty
+  std::vector<Entry> entries;
+};
+
 struct Command {
   std::string name;      ///< "strict", or "fleet load" for a command below another
   std::string sentence;  ///< what it does, for the list of commands; no full stop
   std::string text;  ///< the manual's paragraphs, parted by blank lines; a line that begins with a blank is
                      ///< shown as it is
   std::vector<Example> examples;
+  std::vector<List> lists = {};
   /// Declares the options on the parser and hands back what to run once they are read.
   std::function<std::function<Outcome(Console&)>(CLI::App&)> bind;
 };

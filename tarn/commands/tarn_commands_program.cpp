@@ -10,8 +10,6 @@ namespace tarn {
 
 namespace {
 
-using Run = std::function<Outcome(Console&)>;
-
 std::string footerOf(const Command& command) {
   return command.examples.empty() ? "" : "Example:\n  " + command.examples.front().line;
 }
@@ -56,23 +54,28 @@ int answer(const CLI::App& program, const CLI::ParseError& said, Console& consol
 
 }  // namespace
 
-int runProgram(int argc, char** argv, Console& console) {
-  CLI::App program("Checks templates, and reads, compares, redacts and keeps the documents that mirel makes.",
-                   "tarn");
-  program.set_version_flag("--version", "tarn " TARN_VERSION);
-  program.set_help_flag("--help", "Print this help and end");
-  program.require_subcommand(1);
-  Run chosen;
+std::unique_ptr<CLI::App> makeParser(Run* chosen) {
+  auto program = std::make_unique<CLI::App>(
+      "Checks templates, and reads, compares, redacts and keeps the documents that mirel makes.", "tarn");
+  program->set_version_flag("--version", "tarn " TARN_VERSION, "Print the version and end");
+  program->set_help_flag("--help", "Print this help and end");
+  program->require_subcommand(1);
   for (const Command& command : commands()) {
-    declare(program, command, &chosen);
+    declare(*program, command, chosen);
   }
+  return program;
+}
+
+int runProgram(int argc, char** argv, Console& console) {
+  Run chosen;
+  const std::unique_ptr<CLI::App> program = makeParser(&chosen);
   try {
-    program.parse(argc, argv);
+    program->parse(argc, argv);
     const Outcome outcome = chosen(console);
     console.flush();
     return statusOf(outcome, console);
   } catch (const CLI::ParseError& said) {
-    return answer(program, said, console);
+    return answer(*program, said, console);
   } catch (const std::bad_alloc&) {
     console.trouble("out of memory");
     return 2;

@@ -1,8 +1,16 @@
 #pragma once
+#include <functional>
+#include <memory>
+
+#include "tarn/commands/tarn_commands_command.h"
 
 namespace tarn {
 
-class Console;
+using Run = std::function<Outcome(Console&)>;
+
+/// The parser of the command line with all commands in it; help and the manual are written from it. What a
+/// parsed line asks for is left in `chosen`.
+std::unique_ptr<CLI::App> makeParser(Run* chosen);
 
 /// One call of tarn: reads the command line, runs the command. The exit status: 0 nothing found, 1 something
 /// found, 2 trouble.
