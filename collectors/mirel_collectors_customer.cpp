@@ -12,20 +12,23 @@ void CustomerCollector::setCustomerInfo(mirel_string name, mirel_string company,
   m_telephone = std::move(telephone);
 }
 
-mirel_string CustomerCollector::collect_customer(const mirel_string& item) const {
-  static constexpr struct {
-    const char* word;
-    mirel_string CustomerCollector::*fact;
-  } kItems[] = {
-      {"name", &CustomerCollector::m_name},       {"company", &CustomerCollector::m_company},
-      {"address", &CustomerCollector::m_address}, {"telephone", &CustomerCollector::m_telephone},
-      {"email", &CustomerCollector::m_email},     {"country", &CustomerCollector::m_country},
-      {"ip", &CustomerCollector::m_ip},
+struct CustomerCollector::Items {
+  using From = const CustomerCollector&;
+  static constexpr Item<CustomerCollector> all[] = {
+      {"name", [](From from) { return from.m_name; }},
+      {"company", [](From from) { return from.m_company; }},
+      {"address", [](From from) { return from.m_address; }},
+      {"telephone", [](From from) { return from.m_telephone; }},
+      {"email", [](From from) { return from.m_email; }},
+      {"country", [](From from) { return from.m_country; }},
+      {"ip", [](From from) { return from.m_ip; }},
   };
-  for (const auto& row : kItems) {
-    if (item == row.word) {
-      return this->*row.fact;
-    }
-  }
-  return "null";
+};
+
+mirel_string CustomerCollector::collect_customer(const mirel_string& item) const {
+  return answerOf(Items::all, *this, item, "null");
+}
+
+ItemWords CustomerCollector::customerItems() {
+  return wordsOf(Items::all);
 }

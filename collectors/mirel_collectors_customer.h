@@ -1,5 +1,6 @@
 #pragma once
 
+#include "collectors/mirel_collectors_items.h"
 #include "common/mirel_string.h"
 
 /// The customer's contact facts, as the operator gave them on the command line.
@@ -15,8 +16,11 @@ class CustomerCollector {
   /// "name", "company", "address", "telephone", "email", "country", "ip". Before they are set, and for "ip"
   /// and any other item, "null".
   mirel_string collect_customer(const mirel_string& item) const;
+  static ItemWords customerItems();
 
  private:
+  struct Items;
+
   mirel_string m_name = "null";
   mirel_string m_company = "null";
   mirel_string m_address = "null";

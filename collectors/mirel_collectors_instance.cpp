@@ -9,8 +9,13 @@
 namespace {
 
 /// A bounded field's text, up to its NUL.
-mirel_string textOf(const char* field, unsigned long size) {
+template <unsigned long size>
+mirel_string textOf(const char (&field)[size]) {
   return {field, size};
+}
+
+mirel_string nobodyTells(const InstanceCollector&) {
+  return "null";
 }
 
 /// A directory entry's alias is padded with blanks.
@@ -60,56 +65,65 @@ void InstanceCollector::setDb(const katoDbDirInfoV9* entry) {
   getDbCfd(m_databaseName, &m_configuration);
 }
 
+struct InstanceCollector::Items {
+  using From = const InstanceCollector&;
+  static constexpr Item<InstanceCollector> version[] = {
+      {"coderelease", [](From from) { return textOf(from.m_level.codeRelease); }},
+      {"version", [](From from) { return textOf(from.m_level.version); }},
+      {"buildlevel", [](From from) { return textOf(from.m_level.buildLevel); }},
+      {"ptf", [](From from) { return textOf(from.m_level.fix); }},
+      {"fixpack", [](From from) { return mirel_string(from.m_level.fixPack); }},
+  };
+  static constexpr Item<InstanceCollector> instance[] = {
+      {"numdbs", [](From from) { return mirel_string(static_cast<unsigned int>(from.m_databases)); }},
+      {"type", nobodyTells},
+      {"members", nobodyTells},
+  };
+  static constexpr Item<InstanceCollector> database[] = {
+      {"seed", [](From from) { return mirel_string(from.m_configuration.seed); }},
+      {"name", [](From from) { return from.m_databaseName; }},
+      {"size", nobodyTells},
+      {"cfgRaw",
+       [](From from) { return executeGet(mirel_string("kato get db cfg for ") + from.m_databaseName); }},
+  };
+  static constexpr Item<InstanceCollector> table[] = {
+      {"name", [](From) { return mirel_string("dummyTable"); }},
+      {"rows", [](From) { return mirel_string("0"); }},
+      {"columns", [](From) { return mirel_string("0"); }},
+      {"organization", [](From) { return mirel_string("R"); }},
+  };
+};
+
 mirel_string InstanceCollector::version(const mirel_string& item) const {
-  if (item == "coderelease") {
-    return textOf(m_level.codeRelease, sizeof m_level.codeRelease);
-  }
-  if (item == "version") {
-    return textOf(m_level.version, sizeof m_level.version);
-  }
-  if (item == "buildlevel") {
-    return textOf(m_level.buildLevel, sizeof m_level.buildLevel);
-  }
-  if (item == "ptf") {
-    return textOf(m_level.fix, sizeof m_level.fix);
-  }
-  if (item == "fixpack") {
-    return m_level.fixPack;
-  }
-  return "null";
+  return answerOf(Items::version, *this, item, "null");
 }
 
 mirel_string InstanceCollector::instance(const mirel_string& item) const {
-  if (item == "numdbs") {
-    return static_cast<unsigned int>(m_databases);
-  }
-  return "null";  // "type" and "members" too: nothing tells them
+  return answerOf(Items::instance, *this, item, "null");
 }
 
 mirel_string InstanceCollector::database(const mirel_string& item) const {
-  if (item == "seed") {
-    return m_configuration.seed;
-  }
-  if (item == "name") {
-    return m_databaseName;
-  }
-  if (item == "cfgRaw") {
-    return executeGet(mirel_string("kato get db cfg for ") + m_databaseName);
-  }
-  return "null";  // "size" too: nothing tells it
+  return answerOf(Items::database, *this, item, "null");
 }
 
 mirel_string InstanceCollector::table(const mirel_string& item) const {
-  if (item == "name") {
-    return "dummyTable";
-  }
-  if (item == "rows" || item == "columns") {
-    return "0";
-  }
-  if (item == "organization") {
-    return "R";
-  }
-  return "null";
+  return answerOf(Items::table, *this, item, "null");
+}
+
+ItemWords InstanceCollector::versionItems() {
+  return wordsOf(Items::version);
+}
+
+ItemWords InstanceCollector::instanceItems() {
+  return wordsOf(Items::instance);
+}
+
+ItemWords InstanceCollector::databaseItems() {
+  return wordsOf(Items::database);
+}
+
+ItemWords InstanceCollector::tableItems() {
+  return wordsOf(Items::table);
 }
 
 void DbDirectoryScan::open() {

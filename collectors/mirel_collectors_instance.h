@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "collectors/mirel_collectors_items.h"
 #include "common/mirel_string.h"
 #include "platform/admin.h"
 
@@ -28,7 +29,15 @@ class InstanceCollector {
   /// "name", "rows", "columns", "organization": the same placeholders for every database.
   mirel_string table(const mirel_string& item) const;
 
+  /// The items of each word.
+  static ItemWords versionItems();
+  static ItemWords instanceItems();
+  static ItemWords databaseItems();
+  static ItemWords tableItems();
+
  private:
+  struct Items;
+
   const katoDbDirInfoV9* m_entry = nullptr;
   sqlf_dbcfd m_configuration = {};
   mirel_string m_databaseName = "";

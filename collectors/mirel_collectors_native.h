@@ -16,3 +16,15 @@ struct Collectors {
 /// no such collector word.
 bool nativeFact(const Collectors& collectors, const mirel_string& word, const mirel_string& item,
                 mirel_string* answer);
+
+/// A collector word and what may follow it, for whoever checks templates.
+struct NativeWord {
+  enum class Rest { item, path, anything };
+
+  const char* word;
+  Rest rest;
+  ItemWords items;
+};
+
+/// All collector words.
+std::vector<NativeWord> nativeWords();

@@ -14,13 +14,6 @@ mirel_string numberOf(const Number& value) {
   return value.status == 0 ? mirel_string(value.value) : "null";
 }
 
-/// One item of a group: its word and how its answer is read out of the group's record.
-template <class Record>
-struct Item {
-  const char* word;
-  mirel_string (*answer)(const Record& record);
-};
-
 constexpr Item<OSSOSInfo> kOsItems[] = {
     {"name", [](const OSSOSInfo& os) { return textOf(os.name); }},
     {"system", [](const OSSOSInfo& os) { return textOf(os.system); }},
@@ -69,12 +62,7 @@ mirel_string answer(const Group& group, const Item<Record> (&items)[count], cons
   if (group.code != 0 && group.code != OSS_SYSINFO_PARTIAL) {
     return otherwise;
   }
-  for (const Item<Record>& row : items) {
-    if (item == row.word) {
-      return row.answer(group.record);
-    }
-  }
-  return otherwise;
+  return answerOf(items, group.record, item, otherwise);
 }
 
 }  // namespace
@@ -119,6 +107,30 @@ mirel_string PlatformCollector::collect_swap(const mirel_string& item) const {
 
 mirel_string PlatformCollector::collect_disk(const mirel_string& item) const {
   return answer(m_disk, kDiskItems, item, "");
+}
+
+ItemWords PlatformCollector::osItems() {
+  return wordsOf(kOsItems);
+}
+
+ItemWords PlatformCollector::cpuItems() {
+  return wordsOf(kCpuItems);
+}
+
+ItemWords PlatformCollector::pmemoryItems() {
+  return wordsOf(kMemoryItems);
+}
+
+ItemWords PlatformCollector::vmemoryItems() {
+  return wordsOf(kVirtualMemoryItems);
+}
+
+ItemWords PlatformCollector::swapItems() {
+  return wordsOf(kSwapItems);
+}
+
+ItemWords PlatformCollector::diskItems() {
+  return wordsOf(kDiskItems);
 }
 
 mirel_string PlatformCollector::collect_network(const mirel_string&) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "collectors/mirel_collectors_items.h"
 #include "common/mirel_string.h"
 #include "platform/sysinfo.h"
 
@@ -28,6 +29,14 @@ class PlatformCollector {
   mirel_string collect_disk(const mirel_string& item) const;
   /// What "ifconfig -a" prints, whatever the item.
   mirel_string collect_network(const mirel_string& item) const;
+
+  /// The items of each word.
+  static ItemWords osItems();
+  static ItemWords cpuItems();
+  static ItemWords pmemoryItems();
+  static ItemWords vmemoryItems();
+  static ItemWords swapItems();
+  static ItemWords diskItems();
 
  private:
   /// A record and the code of the query that filled it.

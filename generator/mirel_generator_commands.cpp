@@ -16,6 +16,41 @@ unsigned long runsOfBlanks(const mirel_string& text) {
   return runs;
 }
 
+struct Command {
+  const char* word;
+  void (*run)(Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair* pair);
+};
+
+constexpr Command kCommands[] = {
+    {"native", [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive,
+                  KeyValuePair*) { generator.native(rest, primitive); }},
+    {"execute", [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive,
+                   KeyValuePair*) { generator.execute(rest, primitive); }},
+    {"sql", [](Generator& generator, const mirel_string& rest, PrimitiveValue*,
+               KeyValuePair* pair) { pair->setValue(generator.sql(rest)); }},
+};
+
+/// What "sql" is followed by, and who answers the rest.
+struct SqlKind {
+  const char* word;
+  Value* (*answer)(DBConnection& connection, const mirel_string& rest);
+};
+
+Value* valueOf(DBConnection& connection, const mirel_string& rest) {
+  const std::vector<mirel_string> columnAndQuery = Generator::split_args(rest, 1);
+  return columnAndQuery.size() != 2 ? nullptr : connection.queryValue(columnAndQuery[1], columnAndQuery[0]);
+}
+
+constexpr SqlKind kSqlKinds[] = {
+    {"array",
+     [](DBConnection& connection, const mirel_string& query) -> Value* { return connection.query(query); }},
+    {"value", valueOf},
+    {"one",
+     [](DBConnection& connection, const mirel_string& query) -> Value* {
+       return connection.queryOne(query);
+     }},
+};
+
 }  // namespace
 
 std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsigned long limit) {
@@ -40,13 +75,20 @@ void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
   if (words.size() != 2) {
     return;
   }
-  if (words[0] == "native") {
-    native(words[1], primitive);
-  } else if (words[0] == "execute") {
-    execute(words[1], primitive);
-  } else if (words[0] == "sql") {
-    pair->setValue(sql(words[1]));
+  for (const Command& command : kCommands) {
+    if (words[0] == command.word) {
+      command.run(*this, words[1], primitive, pair);
+      return;
+    }
   }
+}
+
+ItemWords Generator::commandWords() {
+  ItemWords words;
+  for (const Command& command : kCommands) {
+    words.push_back(command.word);
+  }
+  return words;
 }
 
 void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {
@@ -68,17 +110,18 @@ Value* Generator::sql(const mirel_string& rest) {
   if (words.size() != 2) {
     return nullptr;
   }
-  const mirel_string& kind = words[0];
-  if (kind == "array") {
-    return m_connection.query(words[1]);
-  }
-  if (kind == "value") {
-    const std::vector<mirel_string> columnAndQuery = split_args(words[1], 1);
-    return columnAndQuery.size() != 2 ? nullptr
-                                      : m_connection.queryValue(columnAndQuery[1], columnAndQuery[0]);
-  }
-  if (kind == "one") {
-    return m_connection.queryOne(words[1]);
+  for (const SqlKind& kind : kSqlKinds) {
+    if (words[0] == kind.word) {
+      return kind.answer(m_connection, words[1]);
+    }
   }
   return nullptr;
+}
+
+ItemWords Generator::sqlKinds() {
+  ItemWords words;
+  for (const SqlKind& kind : kSqlKinds) {
+    words.push_back(kind.word);
+  }
+  return words;
 }

@@ -62,12 +62,31 @@ void Generator::visit(KeyValuePair* pair) {
   }
 }
 
+struct Generator::Variable {
+  const char* word;
+  bool needsDatabase;
+  Value* (Generator::*copy)(const KeyValuePair* pair);
+};
+
+const Generator::Variable Generator::s_variables[] = {
+    {"db", true, &Generator::runForDatabase},
+    {"table", false, &Generator::cloneAndRun},
+};
+
+ItemWords Generator::foreachVariables() {
+  ItemWords words;
+  for (const Variable& row : s_variables) {
+    words.push_back(row.word);
+  }
+  return words;
+}
+
 void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
   auto copies = std::make_unique<ArrayValue>();
-  if (variable == "db" && m_databaseName.length() > 0) {
-    copies->push_back(runForDatabase(pair));
-  } else if (variable == "table") {
-    copies->push_back(cloneAndRun(pair));
+  for (const Variable& row : s_variables) {
+    if (variable == row.word && (m_databaseName.length() > 0 || !row.needsDatabase)) {
+      copies->push_back((this->*row.copy)(pair));
+    }
   }
   pair->setKey(std::move(outputKey));
   pair->setValue(copies.release());

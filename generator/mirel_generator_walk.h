@@ -49,7 +49,15 @@ class Generator final : public JsonVisitor {
   /// command is not one of these or a value has no answer.
   Value* sql(const mirel_string& rest);
 
+  /// The words that a command begins with, the kinds of `sql`, and what `$foreach` repeats for.
+  static ItemWords commandWords();
+  static ItemWords sqlKinds();
+  static ItemWords foreachVariables();
+
  private:
+  struct Variable;
+  static const Variable s_variables[];
+
   void expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey);
   Value* runForDatabase(const KeyValuePair* pair);
 
