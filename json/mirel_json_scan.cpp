@@ -1,35 +1,13 @@
 #include "json/mirel_json_scan.h"
 
-#include <bit>
-#include <cstdint>
 #include <cstring>
 
+#include "common/mirel_common_eight.h"
 #include "json/mirel_json_writer.h"
 
+using namespace eight;
+
 namespace {
-
-// Eight characters at a time, in the order of memory.
-using Eight = std::uint64_t;
-/// Times a character: that character in each of the eight.
-constexpr Eight kEach = ~Eight{0} / 255;
-
-Eight load(const char* text) {
-  Eight characters = 0;
-  memcpy(&characters, text, sizeof characters);
-  return characters;
-}
-
-/// Sets the highest bit of each of the characters that is the wanted one, and no other bit.
-Eight marks(Eight characters, char wanted) {
-  constexpr Eight kLow = kEach * 0x7f;
-  const Eight differences = characters ^ (kEach * static_cast<unsigned char>(wanted));
-  return ~(((differences & kLow) + kLow) | differences | kLow);
-}
-
-/// How many characters stand before the first one that has a bit set.
-int before(Eight bits) {
-  return (std::endian::native == std::endian::little ? std::countr_zero(bits) : std::countl_zero(bits)) / 8;
-}
 
 bool isPlain(char character) {
   return character != '\\' && character != '"' && character != '\n' && character != '\r';

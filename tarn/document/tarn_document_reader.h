@@ -3,7 +3,7 @@
 /// of any size and in memory that does not grow with the document.
 ///
 ///     Reader reader(sink);
-///     while (reader.feed(block)) { ... }   // false: damaged, nothing further is read
+///     while (more && reader.feed(block)) { ... }   // false: nothing further is read
 ///     const Ending ending = reader.finish();
 ///
 /// Beyond RFC 8259 it takes raw bytes of every kind but NUL inside strings, and a byte order mark at the
@@ -13,26 +13,31 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "tarn/document/tarn_document_escape.h"
+#include "tarn/document/tarn_document_path.h"
 
 namespace tarn {
 
-/// Lines and columns count from 1, columns in bytes; the offset counts from 0.
+/// Lines and columns count from 1, columns in bytes; the offset counts from 0. A line feed ends a line
+/// wherever it stands.
 struct Place {
   std::uint64_t offset = 0, line = 1, column = 1;
 };
 
-enum class Kind : unsigned char { object, array };
-
-/// A string, or the part of it that has come: the raw bytes between the quotes, escapes as they stand.
+/// A string, or the part of it that has come: the raw bytes between the quotes, escapes as they stand. No
+/// part ends within an escape, a pair of surrogates or a character of UTF-8, so each can be understood by
+/// itself.
 struct Piece {
-  std::string_view raw;
-  bool begins = true, ends = true;  ///< a string within one block is one piece
+  std::string_view raw;             ///< in the reader's memory until the event returns, often in the block
+  std::uint64_t offset = 0;         ///< of `raw` in the document
+  bool begins = true, ends = true;  ///< a string within one block is one piece; the last one may be empty
   bool plain = true;                ///< no escape in this piece: its text is `raw`
+  bool ascii = true;                ///< neither a byte below 0x20 in it nor one above 0x7F
 };
 
-/// What a reader tells, in document order. A sink overrides the events it needs. Returning false stops the
-/// reading.
+/// What a reader tells, in document order, with the place of the bracket, of the opening quote, or of the
+/// scalar's first byte. A sink overrides the events it needs. Returning false stops the reading.
 class DocumentSink {
  public:
   virtual ~DocumentSink() = default;
@@ -40,23 +45,103 @@ class DocumentSink {
   virtual bool close(Kind, const Place&) { return true; }
   virtual bool key(const Piece&, const Place&) { return true; }
   virtual bool text(const Piece&, const Place&) { return true; }
-  /// A number, `true`, `false` or `null`, as it stands; a long one in pieces.
+  /// A number, `true`, `false` or `null`, as it stands; one that goes over a block's end in pieces.
   virtual bool scalar(const Piece&, const Place&) { return true; }
 };
 
 /// `whole`: one value and blanks. `cut`: the input ended early, everything before was handed out. `damaged`:
 /// the grammar is broken at the place, everything before was handed out. `stopped`: a sink wanted no more.
-enum class State { whole, cut, damaged, stopped };
+enum class State : unsigned char { whole, cut, damaged, stopped };
 
 struct Ending {
   State state = State::whole;
   Place place;            ///< of the trouble; of the end when whole
-  std::string problem;    ///< one of our own sentences, empty when whole
+  std::string problem;    ///< what is wrong, in our own words: "ends inside a text"; empty when whole
   std::string innermost;  ///< JSON Pointer of the innermost member or element that was open at the trouble
+  /// Offset behind the last bracket or value before the trouble: with `closers` behind it, what is before is
+  /// a whole document, unless both are nothing.
+  std::uint64_t wholeUntil = 0;
+  std::string closers = {};  ///< the brackets of the containers that were open there, innermost first
 };
 
-/// Appends the text that the raw bytes of a string (or of a piece, see `Piece`) stand for: escapes undone,
-/// bytes as they are. A surrogate without its partner becomes U+FFFD.
-void appendUnescaped(std::string_view raw, std::string& text);
+class Reader {
+ public:
+  /// The sink is not owned, nor is the path.
+  explicit Reader(DocumentSink& sink);
+  Reader(DocumentSink& sink, Path& path);
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  /// Reads the next bytes of the document. False once nothing further will be read.
+  bool feed(std::string_view block);
+  /// The document ends here.
+  Ending finish();
+  /// Offset up to which events have told what strings there are: the rest of what was fed is the beginning of
+  /// an escape or a character.
+  std::uint64_t told() const { return m_base - m_held.size(); }
+
+ private:
+  enum class Next : unsigned char { mark, root, value, element, key, member, colon, separator, nothing };
+  enum class Inside : unsigned char { nothing, key, text, literal, number };
+  /// What of a number has been read.
+  enum class Digits : unsigned char {
+    start,
+    sign,
+    zero,
+    whole,
+    point,
+    fraction,
+    exponent,
+    powerSign,
+    power,
+    done
+  };
+  static bool isNumber(Digits digits);
+  static Digits withByte(Digits digits, char byte);
+
+  bool resume();
+  bool resumeHeld();
+  bool skipBlanks();
+  bool skipMark();
+  bool token();
+  bool value();
+  bool open(Kind kind);
+  bool closing(Kind kind);
+  bool separator();
+  bool colon();
+  bool string(Inside inside);
+  bool contents();
+  bool tellString(const Piece& piece);
+  bool stringEnds();
+  bool scalar(Inside inside);
+  bool literal();
+  bool number();
+  bool tellScalar(const char* end, bool ends);
+  void valueEnds(std::uint64_t offset);
+  bool sinkSays(bool goOn);
+  bool damage(std::uint64_t offset, const char* problem);
+  bool damageHere(const char* problem);
+  void end(State state, std::uint64_t offset, const char* problem);
+  const char* whatIsOpen() const;
+
+  std::uint64_t offset(const char* at) const { return m_base + static_cast<std::uint64_t>(at - m_begin); }
+  Place place(std::uint64_t offset) const { return {offset, m_line, offset - m_lineStart + 1}; }
+
+  DocumentSink& m_sink;
+  Path m_ownPath;
+  Path& m_path;
+  const char *m_begin = nullptr, *m_at = nullptr, *m_end = nullptr;  ///< of the block
+  std::uint64_t m_base = 0;                                          ///< offset of the block
+  std::uint64_t m_line = 1, m_lineStart = 0;                         ///< the line, and its offset
+  Next m_next = Next::mark;
+  Inside m_inside = Inside::nothing;
+  bool m_begins = true;  ///< no piece of the string or scalar has been told
+  Digits m_digits = Digits::start;
+  const char* m_rest = "";  ///< of the literal
+  Place m_token;            ///< where the string or scalar begins
+  std::string m_held;       ///< the beginning of an escape or a character at the end of the last block
+  bool m_over = false;
+  Ending m_ending;
+};
 
 }  // namespace tarn

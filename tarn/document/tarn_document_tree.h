@@ -5,11 +5,12 @@
 ///
 ///     for (const Node& child : tree.children(node)) { ... child.key ... child.text ... }
 ///
-/// Texts are views into the document's bytes where they need no undoing, else into the tree's own; both live
-/// as long as the tree. What ends early or is damaged gives the tree of what is whole: containers closed, the
-/// member that was being read left out.
+/// Texts are views into the document's bytes, where escapes were undone in place; they live as long as the
+/// tree, which can be moved. 48 bytes a node. What ends early or is damaged gives the tree of what is whole:
+/// containers closed, the member that was being read left out.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,7 @@ struct Node {
       text;  ///< of a text: escapes undone; of a scalar (number, true, false, null): as it stands
   std::uint32_t count = 0;   ///< members or elements
   std::uint32_t end = 0;     ///< index of the node behind this one and all below it
-  std::uint32_t repeat = 1;  ///< 2 for the second member of its name in its object, and so on
+  std::uint32_t repeat = 1;  ///< 2 for the member that is called NAME#2 in its object, and so on
   NodeKind kind = NodeKind::text;
 };
 
@@ -34,13 +35,13 @@ class Tree {
  public:
   /// Takes the bytes over and reads them.
   explicit Tree(std::string bytes);
-  Tree(Tree&&) = default;
-  Tree& operator=(Tree&&) = default;
 
-  const Ending& ending() const;
+  const Ending& ending() const { return m_ending; }
   /// False when not even a root was there.
   bool empty() const { return m_nodes.empty(); }
   const Node& root() const { return m_nodes.front(); }
+  /// All of them, the root first.
+  const std::vector<Node>& nodes() const { return m_nodes; }
 
   /// A range over the members or elements of a node, in order.
   class Children;
@@ -54,7 +55,41 @@ class Tree {
   std::string pointer(const Node& node) const;
 
  private:
+  const Node* child(const Node& parent, std::string_view token) const;
+
+  std::unique_ptr<std::string> m_bytes;
   std::vector<Node> m_nodes;
+  Ending m_ending;
 };
+
+class Tree::Children {
+ public:
+  class Iterator {
+   public:
+    Iterator(const Node* first, const Node* at) : m_first(first), m_at(at) {}
+    const Node& operator*() const { return *m_at; }
+    const Node* operator->() const { return m_at; }
+    Iterator& operator++() {
+      m_at = m_first + m_at->end;
+      return *this;
+    }
+    bool operator==(const Iterator& other) const { return m_at == other.m_at; }
+
+   private:
+    const Node *m_first, *m_at;
+  };
+
+  Children(const Node* first, const Node& parent)
+      : m_first(first), m_begin(&parent + 1), m_end(first + parent.end) {}
+  Iterator begin() const { return {m_first, m_begin}; }
+  Iterator end() const { return {m_first, m_end}; }
+
+ private:
+  const Node *m_first, *m_begin, *m_end;
+};
+
+inline Tree::Children Tree::children(const Node& node) const {
+  return {m_nodes.data(), node};
+}
 
 }  // namespace tarn

@@ -51,4 +51,12 @@ Utf8 nextUtf8(std::string_view text) {
   return found;
 }
 
+void appendMended(std::string_view text, std::string& out) {
+  while (!text.empty()) {
+    const Utf8 next = nextUtf8(text);
+    out += next.valid ? text.substr(0, next.length) : kReplacement;
+    text.remove_prefix(next.length);
+  }
+}
+
 }  // namespace tarn

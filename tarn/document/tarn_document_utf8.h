@@ -2,6 +2,7 @@
 /// UTF-8 (Unicode 3.9, table 3-7), one character at a time.
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tarn {
@@ -16,5 +17,8 @@ struct Utf8 {
 
 /// The first character of a text that is not empty.
 Utf8 nextUtf8(std::string_view text);
+
+/// Appends a text as UTF-8: U+FFFD in place of each maximal subpart that is none.
+void appendMended(std::string_view text, std::string& out);
 
 }  // namespace tarn

@@ -1,0 +1,58 @@
+#pragma once
+/// What stands between the quotes of a string: escapes and characters, and the search for what is neither
+/// plain nor text.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "common/mirel_common_eight.h"
+
+namespace tarn {
+
+/// Where the run of ordinary bytes ends: before a quote, a backslash, a byte below 0x20, and at most at
+/// `end`. The highest bit of `seen` is set when one of the bytes looked at is above 0x7F; with others from
+/// further on it may be set, too.
+inline const char* endOfText(const char* text, const char* end, unsigned char* seen) {
+  eight::Eight all = 0;
+  for (; end - text >= 8; text += 8) {
+    const eight::Eight bytes = eight::load(text);
+    all |= bytes;
+    const eight::Eight special =
+        eight::marks(bytes, '"') | eight::marks(bytes, '\\') | eight::marksBelow(bytes, 0x20);
+    if (special != 0) {
+      *seen = static_cast<unsigned char>(*seen | ((all & eight::kHighest) != 0 ? 0x80 : 0));
+      return text + eight::before(special);
+    }
+  }
+  *seen = static_cast<unsigned char>(*seen | ((all & eight::kHighest) != 0 ? 0x80 : 0));
+  for (; text != end; ++text) {
+    const auto byte = static_cast<unsigned char>(*text);
+    if (byte < 0x20 || byte == '"' || byte == '\\') {
+      break;
+    }
+    *seen = static_cast<unsigned char>(*seen | byte);
+  }
+  return text;
+}
+
+/// An escape at the beginning of a text; a pair of surrogates is one.
+struct Escape {
+  enum class Kind { known, unknown, unfinished };
+  Kind kind = Kind::known;
+  std::size_t length = 2;  ///< in bytes
+  char32_t character = 0;  ///< U+FFFD for a surrogate without its partner
+};
+
+/// Of a text that begins with a backslash. One that the text's end cuts off is unfinished; a high surrogate
+/// there is, too.
+Escape escapeAt(std::string_view text);
+
+/// How many bytes at the text's end are the beginning of a character that is not all there.
+std::size_t unfinishedUtf8(std::string_view text);
+
+/// Appends the text that the raw bytes of a string (or of a piece, see `Piece`) stand for: escapes undone,
+/// bytes as they are. A surrogate without its partner becomes U+FFFD. What is no escape stays as it is.
+void appendUnescaped(std::string_view raw, std::string& text);
+
+}  // namespace tarn

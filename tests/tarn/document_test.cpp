@@ -1,0 +1,101 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tarn/document/tarn_document_tree.h"
+#include "tests/cases.h"
+
+using namespace tarn;
+
+namespace {
+
+std::string at(const Place& place) {
+  return std::to_string(place.line) + ":" + std::to_string(place.column) + " ";
+}
+
+/// Writes down what a reader tells.
+struct Recorder : DocumentSink {
+  explicit Recorder(const Path& of) : path(of) {}
+
+  bool open(Kind kind, const Place& place) override {
+    events += (kind == Kind::object ? "{" : "[") + at(place);
+    return value();
+  }
+  bool close(Kind kind, const Place& place) override {
+    events += (kind == Kind::object ? "}" : "]") + at(place);
+    return true;
+  }
+  bool key(const Piece& piece, const Place& place) override { return part(piece, "", ":" + at(place)); }
+  bool text(const Piece& piece, const Place& place) override {
+    return part(piece, "\"", "\"" + at(place)) && (!piece.begins || value());
+  }
+  bool scalar(const Piece& piece, const Place& place) override {
+    return part(piece, "", " " + at(place)) && (!piece.begins || value());
+  }
+
+  bool value() {
+    pointers += path.pointer().empty() ? "" : " " + path.pointer();
+    return true;
+  }
+  bool part(const Piece& piece, const char* quote, const std::string& behind) {
+    EXPECT_EQ(piece.plain, piece.raw.find('\\') == piece.raw.npos) << piece.raw;
+    EXPECT_TRUE(!piece.ascii ||
+                std::all_of(piece.raw.begin(), piece.raw.end(), [](char c) { return c >= ' '; }));
+    unfinished = (piece.begins ? quote : unfinished) + std::string(piece.raw);
+    if (piece.ends) {
+      events += unfinished + behind;
+      unfinished.clear();
+    } else {
+      unfinishedAt = "…" + behind.substr(behind.find_first_of("0123456789"));
+    }
+    return true;
+  }
+
+  const Path& path;
+  std::string events, pointers, unfinished, unfinishedAt;
+};
+
+struct Reading {
+  explicit Reading(std::string_view document, std::size_t block = std::string_view::npos) {
+    Reader reader(recorder, path);
+    while (!document.empty() && reader.feed(document.substr(0, block))) {
+      document.remove_prefix(std::min(block, document.size()));
+    }
+    ending = reader.finish();
+    recorder.events += recorder.unfinished.empty() ? "" : recorder.unfinished + recorder.unfinishedAt;
+  }
+  std::string told() const {
+    const char* const states[] = {"whole ", "cut ", "damaged ", "stopped "};
+    return recorder.events + states[static_cast<int>(ending.state)] + at(ending.place) + ending.innermost +
+           ": " + ending.problem;
+  }
+
+  Path path = Path(Path::Repeated::numbered);
+  Recorder recorder = Recorder(path);
+  Ending ending;
+};
+
+std::string events(const Arguments& words) {
+  const std::string told = Reading(words[0]).told();
+  for (const std::size_t block : {1, 2, 3, 7})
+    EXPECT_EQ(told, Reading(words[0], block).told()) << block;
+  return told;
+}
+
+std::string pointersOf(const Arguments& words) {
+  const Tree tree(words[0]);
+  std::string all;
+  for (const Node& node : tree.nodes()) {
+    const std::string pointer = tree.pointer(node);
+    EXPECT_EQ(&node, tree.find(pointer)) << pointer;
+    all += pointer.empty() ? "" : " " + pointer;
+  }
+  EXPECT_EQ(all, Reading(words[0], 1).recorder.pointers);
+  return all.substr(1);
+}
+
+}  // namespace
+
+TEST(Document, ReadsAsItsTableSays) {
+  expectCases(MIREL_TARN "/documents.txt", {{"read", events}, {"pointers", pointersOf}});
+}
