@@ -5,11 +5,16 @@ install(TARGETS mirel)
 install(FILES docs/mirel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES deploy/completion/mirel DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 
-# The catalogs: a module that SQLite loads, a script for PostgreSQL.
+# The catalogs: a module that SQLite loads, a script for each server; and what makes an instance of a server.
 if(TARGET mirel_catalog_sqlite)
   install(TARGETS mirel_catalog_sqlite LIBRARY DESTINATION lib/mirel)
 endif()
-install(DIRECTORY catalog/postgresql DESTINATION ${CMAKE_INSTALL_DATADIR}/mirel)
+set(catalogs ${CMAKE_INSTALL_DATADIR}/mirel)
+install(DIRECTORY catalog/postgresql catalog/instance DESTINATION ${catalogs})
+install(PROGRAMS catalog/instance/create DESTINATION ${catalogs}/instance)
+install(PROGRAMS catalog/instance/bin/kato catalog/instance/bin/katolevel catalog/instance/bin/katoset
+  DESTINATION ${catalogs}/instance/bin)
+install(PROGRAMS catalog/postgresql/instance/create DESTINATION ${catalogs}/postgresql/instance)
 
 install(FILES CHANGELOG.md LICENSE README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")

@@ -215,13 +215,16 @@ order by provider collate "C", label collate "C";
 --   unit   pg_settings.unit
 -- hadr_role is STANDBY in recovery, PRIMARY with a standby connected, otherwise STANDARD; hadr_standbys counts
 -- them (pg_stat_replication); hadr_primary_host and _port (pg_stat_wal_receiver) are a standby's.
--- primary_conninfo is left out, since it may hold a password.
+-- Settings that may hold a password are left out: connection strings, shell commands, and what an extension calls
+-- a secret.
 create function public.db_get_cfg(member integer) returns table (name text, value text, unit text)
 language sql stable parallel restricted
 begin atomic
   select c.name, c.value, c.unit
   from (
-    select g.name, g.setting, g.unit from pg_settings g where g.name <> 'primary_conninfo'
+    select g.name, g.setting, g.unit from pg_settings g
+    where g.name !~* '(conninfo|_command$|passphrase)'
+      and (g.name !~ '[.]' or g.name !~* '(pass|secret|token|key|auth|conn)')
     union all
     select 'hadr_' || g.name, g.setting, g.unit from pg_settings g
     where g.name in (

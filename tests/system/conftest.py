@@ -42,6 +42,14 @@ def commands(tmp_path):
     return make
 
 
+def instance(create, *arguments, **variables):
+    """Makes an instance folder, the first of the arguments; gives the environment that uses it."""
+    subprocess.run([ROOT / create, *arguments], env={**os.environ, **variables}, check=True, stdout=subprocess.DEVNULL)
+    names = ["PATH", "ODBCINI", "ODBCSYSINI"]
+    shown = subprocess.check_output(["bash", "-c", '. "$0"; printenv "$@"', arguments[0] / "env", *names], text=True)
+    return dict(zip(names, shown.splitlines(), strict=True))
+
+
 def members(text):
     """A result document as nested lists of (key, value) pairs: order and duplicate keys are kept."""
     return json.loads(text, object_pairs_hook=list, strict=False)

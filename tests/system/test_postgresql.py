@@ -7,7 +7,7 @@ import tempfile
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, members
+from conftest import ROOT, instance, members
 from conftest import server as collection_server
 from servers import PostgreSQL
 
@@ -15,6 +15,9 @@ GOLDEN = Path(__file__).parent / "golden"
 CATALOG = (ROOT / "catalog/postgresql/mirel_catalog.sql").read_text()
 FACTS = [line.split(": ", 1) for line in (GOLDEN / "postgresql.txt").read_text().splitlines()[1:]]
 FAILURES = dict(members((GOLDEN / "postgresql_failures.json").read_text()))
+SECRETS = """alter system set primary_conninfo = 'password=hunter2'; alter system set archive_command = 'hunter2';
+  alter role :"collector" set vault.api_key = 'hunter2'; grant pg_read_all_settings to :"collector";
+  select pg_reload_conf();"""
 PAGES = """with pages (pages) as (select pg_relation_size('customer') / 8192 union all
   select sum(pg_relation_size(relid))::bigint / 8192 from pg_partition_tree('sale')) """
 
@@ -26,12 +29,10 @@ class Server(PostgreSQL):
         super().__init__(folder)
         subprocess.run([*self.account, "mkdir", folder / "größe"], check=True)
         self.sources = {"ODBCSYSINI": str(folder), "ODBCINI": str(folder / "odbc.ini"),
-                        "PATH": f"{folder}:{os.environ['PATH']}"}
+                        "PATH": os.environ["PATH"]}
         (folder / "odbcinst.ini").write_text("[PostgreSQL]\nDriver = psqlodbcw.so\nDebug = 0\nCommLog = 0\n")
         sources = (GOLDEN / "postgresql_odbc.ini").read_text()
         (folder / "odbc.ini").write_text(sources.replace("FOLDER", str(folder)))
-        for name in "kato", "katolevel", "katoset":
-            (folder / name).symlink_to("/bin/true")
 
     def psql(self, script, *arguments, database="shop"):
         return super().psql(script, *arguments, database=database)
@@ -57,26 +58,33 @@ def server():
             user = pwd.getpwuid(os.geteuid()).pw_name
             one.psql((GOLDEN / "postgresql_shop.txt").read_text(), "-v", f"collector={user}")
             one.psql(CATALOG)
+            one.psql(SECRETS, "-v", f"collector={user}")
             yield one
         finally:
             subprocess.run(one.stop(), cwd=folder, check=False)
 
 
 def test_default_template_as_an_ordinary_user(mirel, server):
+    folder, where = server.folder / "in stance", {"PGHOST": str(server.folder), "PGDATABASE": "shop"}
+    instance("catalog/postgresql/instance/create", folder, **where)
+    seed = (folder / "databases/SHOP/member0000/SQLDBCONF").read_bytes()[36:40]
+    environment = instance("catalog/postgresql/instance/create", folder, **where)
     today = server.rows("select current_date as time")[0]
-    result = mirel("-z", "-d", "SHOP", env=server.sources)
+    result = mirel("-z", "-d", "SHOP", env=environment)
     document = dict(members(result.stdout))
-    facts = [(key, value) for key, value in document["databaseInfo"][0]
-             if key not in ("seed", "name", "configRaw", "sizeOnDisk")]
-    expected = []
-    for (_, value), (key, query) in zip(facts, FACTS, strict=True):
+    facts = [(key, value) for key, value in document["instanceInfo"] + document["databaseInfo"][0]
+             if key in dict(FACTS)]
+    for (key, value), (name, query) in zip(facts, FACTS, strict=True):
         rows = server.rows(PAGES + query)
-        if isinstance(value, str):
-            rows = rows[0][0][1]
-        expected.append((key, rows))
-    assert facts == expected
+        if key.endswith("Raw"):
+            missing = [line for line in server.psql(query, "-t").splitlines() if f"{line}\n" not in value]
+            assert (key, missing) == (name, [])
+        else:
+            assert (key, value) == (name, rows[0][0][1] if isinstance(value, str) else rows)
+    assert dict(document["databaseInfo"][0])["seed"] == str(int.from_bytes(seed, "little")) != "0"
     assert ("TIME", document["tarn_collection_time"]) in today + server.rows("select current_date as time")[0]
     assert (result.returncode, result.stderr.decode()) == (0, "")
+    assert b"hunter2" not in result.stdout
 
 
 def test_catalog_leaves_no_trace(server):

@@ -6,12 +6,11 @@ import os
 import re
 import shutil
 import sqlite3
-import subprocess
 from contextlib import closing
 from pathlib import Path
 
 import pytest
-from conftest import BUILD, ROOT, members
+from conftest import BUILD, instance, members
 
 GOLDEN = Path(__file__).parent / "golden" / "sample.json"
 # Other people's databases: how they are made, and what is known of them.
@@ -22,10 +21,7 @@ STRANGERS = dict(members(GOLDEN.with_name("strangers.json").read_text()))
 def sample(tmp_path):
     """A fresh instance, in a folder whose name needs quoting: its folder and its environment."""
     target = tmp_path / "my sämple"
-    subprocess.run([ROOT / "sample/create", target, BUILD], check=True, stdout=subprocess.DEVNULL)
-    names = ["PATH", "ODBCINI", "ODBCSYSINI"]
-    shown = subprocess.check_output(["bash", "-c", '. "$0"; printenv "$@"', target / "env", *names], text=True)
-    return target, dict(zip(names, shown.splitlines(), strict=True))
+    return target, instance("sample/create", target, BUILD)
 
 
 def collect(mirel, sample, database):

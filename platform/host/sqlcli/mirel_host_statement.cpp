@@ -13,8 +13,10 @@ namespace host {
 namespace {
 
 /// The driver takes the text encoding from the environment of the process; facts are UTF-8. And groups come
-/// in the order of their keys, not of a hash table that differs from one day to the next.
-constexpr const char* kPostgresqlSession = "set client_encoding to 'UTF8'; set enable_hashagg to off";
+/// in the order of their keys, not of a hash table that differs from one day to the next. A data source that
+/// only reads lets nothing but queries through.
+constexpr const char* kPostgresqlSession =
+    "select set_config('client_encoding', 'UTF8', false), set_config('enable_hashagg', 'off', false)";
 
 /// The first is that of every engine not listed; for the others the first that fits holds.
 constexpr std::array<Dialect, 5> kDialects{{
