@@ -14,9 +14,8 @@ struct Slot {
 };
 
 constexpr Slot kSlots[] = {
-    {"@manual@", tarn::manualOfCommands},
-    {"@completion@", tarn::completionOfCommands},
-    {"@script@", tarn::scriptOfExamples},
+    {"@manual@", tarn::manualOfCommands},   {"@completion@", tarn::completionOfCommands},
+    {"@facts@", tarn::pageOfFacts},         {"@script@", tarn::scriptOfExamples},
     {"@examples@", tarn::outputOfExamples},
 };
 

@@ -12,6 +12,9 @@ std::string manualOfCommands();
 /// For bash: a function that prints the words that can follow a command, and one for the values of options.
 std::string completionOfCommands();
 
+/// What every fact means, in Markdown.
+std::string pageOfFacts();
+
 /// A script that runs every example and asks every command for its help, and what it has to print.
 std::string scriptOfExamples();
 std::string outputOfExamples();
