@@ -2,10 +2,12 @@
 
 namespace tarn {
 
+Command strictCommand();
 Command templateCommand();
 
 const std::vector<Command>& commands() {
   static const std::vector<Command> all = {
+      strictCommand(),
       templateCommand(),
   };
   return all;

@@ -2,7 +2,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
+#include "common/mirel_common_eight.h"
 #include "tarn/document/tarn_document_utf8.h"
+
+using namespace eight;
 
 namespace tarn {
 
@@ -21,24 +26,68 @@ void appendEscape(char byte, std::string& out) {
   }
 }
 
-bool isPlain(char byte) {
-  return static_cast<unsigned char>(byte) >= 0x20 && byte != '"' && byte != '\\';
+bool isAscii(char byte) {
+  return (static_cast<unsigned char>(byte) - 0x20U) < 0x60;
+}
+
+/// Where the run of printable ASCII ends.
+std::size_t endOfAscii(std::string_view text) {
+  std::size_t at = 0;
+  for (; text.size() - at >= 8; at += 8) {
+    const Eight bytes = load(text.data() + at);
+    if (const Eight others = marksBelow(bytes, 0x20) | (bytes & kHighest); others != 0) {
+      return at + static_cast<std::size_t>(before(others));
+    }
+  }
+  while (at < text.size() && isAscii(text[at])) {
+    ++at;
+  }
+  return at;
 }
 
 }  // namespace
 
-void appendJsonString(std::string_view text, std::string& out) {
-  out += '"';
-  while (!text.empty()) {
-    const Utf8 next = nextUtf8(text);
+void appendStrict(std::string_view raw, std::string& out) {
+  while (!raw.empty()) {
+    const std::size_t run = endOfAscii(raw);
+    out += raw.substr(0, run);
+    raw.remove_prefix(run);
+    if (raw.empty()) {
+      return;
+    }
+    const Utf8 next = nextUtf8(raw);
     if (!next.valid) {
       out += kReplacement;
-    } else if (next.length > 1 || isPlain(text[0])) {
-      out += text.substr(0, next.length);
+    } else if (next.length > 1) {
+      out += raw.substr(0, next.length);
     } else {
-      appendEscape(text[0], out);
+      appendEscape(raw[0], out);
     }
-    text.remove_prefix(next.length);
+    raw.remove_prefix(next.length);
+  }
+}
+
+bool isStrict(std::string_view raw) {
+  for (;;) {
+    raw.remove_prefix(endOfAscii(raw));
+    const Utf8 next = raw.empty() ? Utf8{} : nextUtf8(raw);
+    if (raw.empty() || !next.valid || next.length == 1) {
+      return raw.empty();
+    }
+    raw.remove_prefix(next.length);
+  }
+}
+
+void appendJsonString(std::string_view text, std::string& out) {
+  out += '"';
+  for (;;) {
+    const std::size_t run = std::min(text.find_first_of("\"\\"), text.size());
+    appendStrict(text.substr(0, run), out);
+    if (run == text.size()) {
+      break;
+    }
+    appendEscape(text[run], out);
+    text.remove_prefix(run + 1);
   }
   out += '"';
 }

@@ -12,6 +12,11 @@ namespace tarn {
 /// UTF-8 U+FFFD, one for each maximal subpart (Unicode 3.9).
 void appendJsonString(std::string_view text, std::string& out);
 
+/// Appends the raw bytes of a string as strict JSON: escapes stay as they are, the rest as above.
+void appendStrict(std::string_view raw, std::string& out);
+/// Whether that changes nothing.
+bool isStrict(std::string_view raw);
+
 /// Puts one value together, member by member; commas are its own business.
 ///
 ///     JsonText json;

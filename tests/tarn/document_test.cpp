@@ -1,9 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
+#include <regex>
+#include <sstream>
 
+#include "tarn/document/tarn_document_strict.h"
 #include "tarn/document/tarn_document_tree.h"
+#include "tarn/document/tarn_document_utf8.h"
 #include "tests/cases.h"
+#include "tests/tarn/session.h"
 
 using namespace tarn;
 
@@ -94,8 +100,39 @@ std::string pointersOf(const Arguments& words) {
   return all.substr(1);
 }
 
+/// A document without byte order mark and line feeds behind it, the layout kept.
+std::string rewritten(std::string_view document, std::size_t size) {
+  const std::size_t from = document.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  document = document.substr(0, document.find_last_not_of('\n') + 1);
+  Path path;
+  StrictLayout writer(path, from);
+  Reader reader(writer, path);
+  for (std::size_t at = 0; at < document.size(); at += size) {
+    writer.begin(document.substr(at, size), at);
+    reader.feed(document.substr(at, size));
+    writer.end(reader.told());
+  }
+  return writer.out + "\n";
+}
+
+/// Strict output is its own strict output, in blocks of any size.
+std::string strict(const Arguments& words) {
+  std::vector<std::string> line = {"strict"};
+  std::istringstream options(words[0]);
+  std::copy(std::istream_iterator<std::string>(options), {}, std::back_inserter(line));
+  const Session run(line, words[1]);
+  const bool whole = Reading(words[1]).ending.state == State::whole;
+  EXPECT_EQ(whole ? 0 : 1, run.status) << run.errors;
+  EXPECT_EQ(whole, run.errors.empty()) << run.errors;
+  EXPECT_EQ(run.output, run.output.empty() ? "" : Session(line, run.output).output);
+  for (const std::size_t size : {1, 2, 3, 7})
+    EXPECT_TRUE(!whole || words[0] != "" || run.output == rewritten(words[1], size))
+        << rewritten(words[1], size);
+  return std::regex_replace(run.output, std::regex(std::string(kReplacement)), "<FFFD>");
+}
+
 }  // namespace
 
 TEST(Document, ReadsAsItsTableSays) {
-  expectCases(MIREL_TARN "/documents.txt", {{"read", events}, {"pointers", pointersOf}});
+  expectCases(MIREL_TARN "/documents.txt", {{"read", events}, {"pointers", pointersOf}, {"strict", strict}});
 }

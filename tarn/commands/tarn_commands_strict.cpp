@@ -1,0 +1,193 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "tarn/commands/tarn_commands_command.h"
+#include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_reading.h"
+#include "tarn/document/tarn_document_strict.h"
+
+namespace tarn {
+
+namespace {
+
+struct StrictOptions {
+  std::vector<std::string> files;
+  bool lines = false, unique = false, mend = false;
+};
+
+constexpr char kText[] =
+    "Bytes below 0x20 inside strings become \\b, \\t, \\n, \\f, \\r or \\u00xx; what is no UTF-8 becomes "
+    "U+FFFD, "
+    "one for each maximal subpart; a leading byte order mark goes. Everything else stays byte for byte, and "
+    "exactly "
+    "one line feed ends the document. So a document without such bytes is unchanged, and strict of strict is "
+    "itself.\n\n"
+    "A document is read to its end before anything of it is written: of one that is not whole (cut or "
+    "damaged) "
+    "nothing is, unless --mend asks for every complete member and element, containers closed. Standard input "
+    "is "
+    "kept in a file without a name meanwhile, in TMPDIR or /tmp. Documents may be of any size.\n\n"
+    "With --unique the second member of one name in an object is named NAME#2, the third NAME#3, or the next "
+    "number "
+    "that is free so far. Names are the same when they are the same in the output, escapes undone. Memory "
+    "grows "
+    "with the number of names in one object.\n\n"
+    "An escape of half a surrogate pair, which RFC 8259 allows and several readers refuse, stays as it is; "
+    "mirel "
+    "writes none.";
+
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
+
+/// What the first pass found.
+struct Findings {
+  Ending ending;
+  bool isStrict = true;
+  std::uint64_t from = 0;   ///< behind a byte order mark
+  std::uint64_t until = 0;  ///< before the line feeds at the end
+};
+
+/// Nothing when the file cannot be read.
+std::optional<Findings> inspect(Console& console, const std::string& file, Source& source) {
+  Findings found;
+  StrictCheck check;
+  Reader reader(check);
+  std::uint64_t offset = 0;
+  bool goOn = true;
+  while (goOn) {
+    const std::string_view block = nextBlock(console, file, source);
+    if (offset == 0 && block.starts_with(kMark)) {
+      found.from = kMark.size();
+    }
+    const std::size_t last = block.find_last_not_of('\n');
+    found.until = last == std::string_view::npos ? found.until : offset + last + 1;
+    offset += block.size();
+    goOn = !block.empty() && reader.feed(block);
+  }
+  found.ending = reader.finish();
+  found.isStrict = check.isStrict();
+  return source.problem() ? std::nullopt : std::optional(found);
+}
+
+/// What is written behind the last whole value of a document that is not whole, laid out as mirel does where
+/// the document has lines.
+std::string closersOf(const Ending& ending, bool lines) {
+  std::string closers;
+  for (std::size_t level = ending.closers.size(); level > 0; --level) {
+    closers += lines || ending.place.line == 1 ? "" : "\n" + std::string(2 * (level - 1), ' ');
+    closers += ending.closers[ending.closers.size() - level];
+  }
+  return closers;
+}
+
+/// The blocks of the second pass, from one offset to another.
+class Part {
+ public:
+  Part(Console& console, const std::string& file, Source& source, std::uint64_t until)
+      : m_console(console), m_file(file), m_source(source), m_until(until) {
+    source.rewind();
+  }
+  /// Offset of the last block.
+  std::uint64_t offset() const { return m_offset; }
+  std::string_view next() {
+    m_offset = m_source.position();
+    const std::string_view block =
+        m_offset < m_until ? nextBlock(m_console, m_file, m_source).substr(0, m_until - m_offset) : "";
+    if (block.empty() && m_offset < m_until && !m_source.problem()) {
+      m_console.trouble(m_file, "changed while it was read");
+    }
+    return block;
+  }
+
+ private:
+  Console& m_console;
+  const std::string& m_file;
+  Source& m_source;
+  std::uint64_t m_until, m_offset = 0;
+};
+
+void copy(Console& console, Part& part, std::uint64_t from) {
+  for (std::string_view block = part.next(); !block.empty(); block = part.next()) {
+    console.bytes(block.substr(part.offset() == 0 ? from : 0));
+  }
+}
+
+void rewrite(Console& console, Part& part, const StrictOptions& options, std::uint64_t from) {
+  Path path(options.unique ? Path::Repeated::numbered : Path::Repeated::ignored);
+  StrictLine line(path);
+  StrictLayout layout(path, from);
+  StrictWriter& writer = options.lines ? static_cast<StrictWriter&>(line) : layout;
+  Reader reader(writer, path);
+  for (std::string_view block = part.next(); !block.empty(); block = part.next()) {
+    writer.begin(block, part.offset());
+    reader.feed(block);
+    writer.end(reader.told());
+    console.bytes(writer.out);
+    writer.out.clear();
+  }
+  reader.finish();
+  console.bytes(writer.out);
+}
+
+void write(Console& console, const std::string& file, Source& source, const StrictOptions& options,
+           const Findings& found) {
+  const bool whole = found.ending.state == State::whole;
+  if (!whole && found.ending.wholeUntil == 0) {
+    return;
+  }
+  Part part(console, file, source, whole ? found.until : found.ending.wholeUntil);
+  if (found.isStrict && !options.lines && !options.unique) {
+    copy(console, part, found.from);
+  } else {
+    rewrite(console, part, options, found.from);
+  }
+  console.bytes((whole ? "" : closersOf(found.ending, options.lines)) + "\n");
+}
+
+Outcome strictOne(const StrictOptions& options, const std::string& file, Console& console) {
+  Source source;
+  const std::optional<Findings> found = openSource(console, file, Source::Passes::several, source)
+                                            ? inspect(console, file, source)
+                                            : std::nullopt;
+  if (!found) {
+    return Outcome::nothing;
+  }
+  const bool whole = found->ending.state == State::whole;
+  if (!whole) {
+    console.problem(file, found->ending.place, troubleOf(found->ending));
+  }
+  if (whole || options.mend) {
+    write(console, file, source, options, *found);
+  }
+  return whole ? Outcome::nothing : Outcome::something;
+}
+
+Outcome strict(const StrictOptions& options, Console& console) {
+  Outcome outcome = Outcome::nothing;
+  for (const std::string& file : options.files) {
+    outcome = std::max(outcome, strictOne(options, file, console));
+  }
+  return outcome;
+}
+
+void declare(CLI::App& app, StrictOptions& options) {
+  options.files = {"-"};
+  app.add_option("FILE", options.files, "Documents; - or nothing for standard input")->type_name("");
+  app.add_flag("--lines", options.lines, "One line a document, without blanks between its tokens");
+  app.add_flag("--unique", options.unique, "Name later members of one name NAME#2, NAME#3 and so on");
+  app.add_flag("--mend", options.mend, "Of a document that is not whole, write what is");
+}
+
+}  // namespace
+
+Command strictCommand() {
+  return {.name = "strict",
+          .sentence = "Write documents as JSON that every reader takes",
+          .text = kText,
+          .examples = {{"tarn strict binary.json | jq .rows[0]", "{\n  \"command\": \"\\t\"\n}"},
+                       {"tarn strict --mend --lines cut.json | jq -c .databaseInfo[0].bufferpools",
+                        "tarn: cut.json:53:31: cut in /databaseInfo/0/bufferpools/0: ends inside an object\n"
+                        "[{\"BPNAME\":\"main\",\"BUFFERPOOLID\":\"0\"}]"}},
+          .bind = bindTo<StrictOptions>(declare, strict)};
+}
+
+}  // namespace tarn

@@ -1,0 +1,141 @@
+#include "tarn/document/tarn_document_source.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <utility>
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t kBlock = 256 << 10;
+
+/// A file that is gone with its descriptor. -1 and errno when there can be none.
+int namelessFile() {
+  const char* const given = getenv("TMPDIR");
+  std::string folder = given == nullptr || *given == '\0' ? "/tmp" : given;
+  const int nameless = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
+  if (nameless != -1) {
+    return nameless;
+  }
+  folder += "/.tarn-XXXXXX";  // not every file system knows such files
+  const int named = mkostemp(folder.data(), O_CLOEXEC);
+  if (named != -1) {
+    unlink(folder.c_str());
+  }
+  return named;
+}
+
+bool writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno != EINTR) {
+      return false;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written < 0 ? 0 : written));
+  }
+  return true;
+}
+
+}  // namespace
+
+void Source::closeOwn() {
+  if (m_isOwn && m_input != -1) {
+    close(m_input);
+  }
+}
+
+Source::~Source() {
+  closeOwn();
+  if (m_spool != -1) {
+    close(m_spool);
+  }
+}
+
+std::optional<std::string> Source::open(const std::string& path, int input, Passes passes) {
+  m_isOwn = path != "-";
+  m_again = passes == Passes::several;
+  m_input = m_isOwn ? ::open(path.c_str(), O_RDONLY | O_CLOEXEC) : input;
+  struct stat about = {};
+  if (m_input == -1 || fstat(m_input, &about) != 0) {
+    return strerror(errno);
+  }
+  m_start = lseek(m_input, 0, SEEK_CUR);
+  m_canSeek = S_ISREG(about.st_mode) && m_start >= 0;
+  m_size = m_canSeek && about.st_size > m_start ? static_cast<std::uint64_t>(about.st_size - m_start) : 0;
+  m_buffer.resize(kBlock);
+  return std::nullopt;
+}
+
+void Source::fail() {
+  m_problem = strerror(errno);
+  m_length = 0;
+  m_isLast = true;
+}
+
+/// Fills the buffer, so that a document that fits is never read twice.
+bool Source::fill() {
+  for (m_length = 0; m_length < m_buffer.size();) {
+    const ssize_t count = read(m_input, m_buffer.data() + m_length, m_buffer.size() - m_length);
+    if (count == 0) {
+      m_isLast = true;
+      break;
+    }
+    if (count < 0 && errno != EINTR) {
+      return false;
+    }
+    m_length += static_cast<std::size_t>(count < 0 ? 0 : count);
+  }
+  m_isKept = false;
+  return true;
+}
+
+/// The block in the buffer is going to be overwritten and cannot be read again.
+bool Source::keep() {
+  if (m_canSeek || !m_again || m_isKept) {
+    return true;
+  }
+  m_isKept = true;
+  m_spool = m_spool == -1 ? namelessFile() : m_spool;
+  return m_spool != -1 && writeAll(m_spool, {m_buffer.data(), m_length});
+}
+
+std::string_view Source::next() {
+  if (!m_isReplayed) {
+    if (m_isLast) {
+      return {};
+    }
+    m_isFirst = m_position == 0;
+    if (!keep() || !fill()) {
+      fail();
+    }
+  }
+  m_isReplayed = false;
+  m_position += m_length;
+  return {m_buffer.data(), m_length};
+}
+
+void Source::rewind() {
+  m_position = 0;
+  if (m_isFirst) {
+    m_isReplayed = m_length > 0;
+    return;
+  }
+  if (!keep() || lseek(m_canSeek ? m_input : m_spool, m_canSeek ? m_start : 0, SEEK_SET) < 0) {
+    return fail();
+  }
+  if (!m_canSeek) {
+    closeOwn();
+    m_input = std::exchange(m_spool, -1);
+    m_isOwn = m_canSeek = true;
+    m_start = 0;
+  }
+  m_isLast = false;
+}
+
+}  // namespace tarn
