@@ -22,6 +22,5 @@ Depth is bounded and told.
   $ nested() { head -c "$1" /dev/zero | tr '\0' '['; head -c "$1" /dev/zero | tr '\0' ']'; }
   $ nested 10000 | tarn strict | wc -c
   20001
-  $ nested 10001 | tarn strict
-  tarn: -:1:10001: damaged in (/0)+/[^0/]+(/0)+: is nested deeper than 10,000 (re)
-  [1]
+  $ nested 10001 | tarn strict 2>&1 | sed 's, in /.*/0, in /...,'
+  tarn: -:1:10001: damaged in /...: is nested deeper than 10,000
