@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "collectors/mirel_collectors_system.h"
+#include "common/mirel_common_builder.h"
+#include "common/mirel_common_memory.h"
 #include "platform/services.h"
 
 namespace {
@@ -16,6 +18,13 @@ mirel_string textOf(const char (&field)[size]) {
 
 mirel_string nobodyTells(const InstanceCollector&) {
   return "null";
+}
+
+mirel_string configurationOf(const mirel_string& database) {
+  mirel_string_builder command;
+  command.append("kato get db cfg for ");
+  command.append(database);
+  return executeGet(command.take());
 }
 
 /// A directory entry's alias is padded with blanks.
@@ -35,6 +44,7 @@ mirel_string contentOf(OSSHFile& file) {
   }
   void* block = nullptr;
   if (_ossMemAlloc(&block, nullptr, size + 1, 1, "mirel_collectors_instance", 276) != 0) {
+    ++memoryLosses;
     return "";
   }
   const OSSFileReadParam wanted = {OSS_VERSION_STAMP, size, 0};
@@ -83,8 +93,7 @@ struct InstanceCollector::Items {
       {"seed", [](From from) { return mirel_string(from.m_configuration.seed); }},
       {"name", [](From from) { return from.m_databaseName; }},
       {"size", nobodyTells},
-      {"cfgRaw",
-       [](From from) { return executeGet(mirel_string("kato get db cfg for ") + from.m_databaseName); }},
+      {"cfgRaw", [](From from) { return configurationOf(from.m_databaseName); }},
   };
   static constexpr Item<InstanceCollector> table[] = {
       {"name", [](From) { return mirel_string("dummyTable"); }},
@@ -171,11 +180,13 @@ std::vector<mirel_string> getActiveDatabases() {
 }
 
 mirel_string readFile(const mirel_string& path) {
+  const MemoryWatch memory;
   const mirel_string expanded =
       path.replace_all("$HOME", getenv("HOME")).replace_all("$INSTANCEPATH", getInstallDirectory());
   const OSSFileOpenParam existing = {OSS_VERSION_STAMP, expanded.c_str(), 1, 1, 0, 0, 0};
   OSSHFile file;
-  if (file.open(&existing) != 0) {
+  // A path that lost a part of itself leads elsewhere.
+  if (memory.ranOut() || file.open(&existing) != 0) {
     return "";
   }
   return contentOf(file);

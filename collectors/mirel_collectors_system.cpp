@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "common/mirel_common_builder.h"
-#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -30,8 +29,7 @@ void appendOutput(mirel_string_builder& output, FILE* stream) {
 }  // namespace
 
 mirel_string executeGet(const mirel_string& command) {
-  // A command that lost a part of itself is another command.
-  if (memoryRanOut) {
+  if (command.lost()) {
     return "";
   }
   FILE* stream = popen(command.c_str(), "r");

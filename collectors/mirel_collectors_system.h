@@ -7,7 +7,8 @@
 #include "platform/admin.h"
 
 /// What a shell command (sh -c) writes to its standard output, or "ERROR" when it cannot be started.
-/// Blocks until the command closes its output. A NUL byte costs the rest of its line, at most 127 bytes.
+/// A lost text is not run. Blocks until the command closes its output. A NUL byte costs the rest of its line,
+/// at most 127 bytes.
 mirel_string executeGet(const mirel_string& command);
 
 /// The product's install path, without a slash at its end, or "".

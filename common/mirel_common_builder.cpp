@@ -76,7 +76,8 @@ void mirel_string_builder::fail() {
     releaseText(m_block);
   }
   m_length = m_room = 0;
-  m_failed = memoryRanOut = true;
+  m_failed = true;
+  ++memoryLosses;
 }
 
 mirel_string mirel_string_builder::take() {

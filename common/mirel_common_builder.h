@@ -24,7 +24,13 @@ class mirel_string_builder {
     m_length += length;
   }
   void append(const char* text) { append(text, strlen(text)); }
-  void append(const mirel_string& text) { append(text.c_str(), text.length()); }
+  /// A lost text loses the whole.
+  void append(const mirel_string& text) {
+    if (text.lost()) {
+      fail();
+    }
+    append(text.c_str(), text.length());
+  }
   void append(char character) { append(&character, 1); }
   void append(unsigned long count, char character);
   /// Appends `count` characters that the caller fills in. Null when there is nothing to fill in: while

@@ -59,10 +59,13 @@ void mirel_string::format(const char* pattern, Number number) {
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
   const int count = ossSnprintf(m_buffer, kNumberSize, pattern, number);
 #pragma GCC diagnostic pop
-  if (count < 0) {
-    memoryRanOut = true;  // what else could stop a number
+  if (count < 0) {  // what but memory could stop a number
+    ++memoryLosses;
+    strFree();
+    m_capacity = 0;
+    return;
   }
-  m_length = count > 0 ? static_cast<unsigned long>(count) : 0;
+  m_length = static_cast<unsigned long>(count);
   m_capacity = m_length + kTail;
 }
 

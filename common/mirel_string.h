@@ -2,8 +2,8 @@
 /// The system's text type: a byte string with value semantics in one block of the platform allocator.
 ///
 /// The text is always NUL-terminated and never holds a NUL itself. Searching ignores letter case,
-/// comparing does not. Nothing throws: a string whose allocation failed has capacity and length 0 and
-/// reads as the empty text everywhere.
+/// comparing does not. Nothing throws: a string whose allocation failed has capacity and length 0, is lost,
+/// and reads as the empty text everywhere.
 ///
 /// Cost: every copy allocates once; moving is free. To put a text together from many pieces, append to a
 /// `mirel_string_builder` (common/mirel_common_builder.h): `+=` and `+` copy everything each time.
@@ -37,6 +37,8 @@ class mirel_string {
 
   const char* c_str() const { return m_capacity == 0 || m_buffer == nullptr ? &s_terminator : m_buffer; }
   unsigned long length() const { return m_length; }
+  /// Whether there was no memory for the text. Who acts on a text asks this first.
+  bool lost() const { return m_capacity == 0; }
 
   /// The character at `index`; at or past the end the last character, of an empty text its terminator.
   const char& at(unsigned long index) const {

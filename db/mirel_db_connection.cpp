@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "common/mirel_common_console.h"
-#include "common/mirel_common_memory.h"
 #include "db/mirel_db_resultset.h"
 #include "json/mirel_json_value.h"
 
@@ -146,7 +145,7 @@ unsigned long DBConnection::countTables() {
 }
 
 bool DBConnection::open(const mirel_string& sql) {
-  if (memoryRanOut || !m_connected || !allocateStatement()) {
+  if (sql.lost() || !m_connected || !allocateStatement()) {
     return false;
   }
   if (execute(sql)) {

@@ -1,7 +1,6 @@
 #include "driver/mirel_driver_run.h"
 
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "common/mirel_common_console.h"
@@ -30,22 +29,26 @@ struct SocketsInUse {
   }
 };
 
-/// From the template to the delivered result. When memory runs out on the way, nothing is delivered.
-void collect(const RunSettings& settings, CustomerCollector* customer, JsonParser* parser,
-             Generator* generator) {
+/// From the template to the delivered result. Nothing is delivered where memory ran out for anything but the
+/// members that the walk tells.
+void collect(const RunSettings& settings, const MemoryWatch& memory, CustomerCollector* customer,
+             JsonParser* parser, Generator* generator) {
   setCustomer(customer, settings);
   std::unique_ptr<Value> root;  // goes after the socket layer has ended
   SocketsInUse sockets{settings.send};
   mirel_string config = readConfig(settings.send, settings.host, settings.port);
-  if (memoryRanOut) {
+  if (memory.ranOut()) {
     return;
   }
   root.reset(parser->parse(std::move(config)));
   generator->set(settings.database, customer);
+  if (memory.ranOut()) {
+    return;
+  }
   root->accept(*generator);
   hideWork();
   const mirel_string result = root->stringify(0);
-  if (!memoryRanOut) {
+  if (!memory.ranOut()) {
     sockets.inUse = false;
     writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
   }
@@ -54,22 +57,20 @@ void collect(const RunSettings& settings, CustomerCollector* customer, JsonParse
 }  // namespace
 
 int run(int argc, char** argv) {
-  memoryRanOut = false;
+  const MemoryWatch memory;
   ossOneTimeOnly();
   CustomerCollector customer;
   JsonParser parser;
   Generator generator;
   RunSettings settings;
-  try {
+  MemoryWatch::during([&] {
     const bool anyOption = parseOptions(argc, argv, &settings);
-    if (anyOption && settings.support && !memoryRanOut) {
-      collect(settings, &customer, &parser, &generator);
+    if (anyOption && settings.support && !memory.ranOut()) {
+      collect(settings, memory, &customer, &parser, &generator);
     }
-  } catch (const std::bad_alloc&) {
-    memoryRanOut = true;
-  }
-  if (memoryRanOut) {
-    complain("out of memory");
+  });
+  if (memory.ranOut()) {
+    memory.tell();
   }
   complainOfLostOutput();
   ossTerminate();

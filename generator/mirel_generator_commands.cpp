@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "collectors/mirel_collectors_native.h"
 #include "collectors/mirel_collectors_system.h"
+#include "common/mirel_common_memory.h"
 #include "generator/mirel_generator_walk.h"
 
 namespace {
@@ -19,15 +21,34 @@ unsigned long runsOfBlanks(const mirel_string& text) {
 struct Command {
   const char* word;
   void (*run)(Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair* pair);
+  /// What it leaves where memory runs out.
+  void (*lose)(PrimitiveValue* primitive, KeyValuePair* pair);
 };
 
+void leaveEmpty(PrimitiveValue* primitive, KeyValuePair*) {
+  primitive->setText("");
+}
+
+void leaveNothing(PrimitiveValue*, KeyValuePair* pair) {
+  pair->setValue(nullptr);
+}
+
 constexpr Command kCommands[] = {
-    {"native", [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive,
-                  KeyValuePair*) { generator.native(rest, primitive); }},
-    {"execute", [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive,
-                   KeyValuePair*) { generator.execute(rest, primitive); }},
-    {"sql", [](Generator& generator, const mirel_string& rest, PrimitiveValue*,
-               KeyValuePair* pair) { pair->setValue(generator.sql(rest)); }},
+    {"native",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
+       generator.native(rest, primitive);
+     },
+     leaveEmpty},
+    {"execute",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
+       generator.execute(rest, primitive);
+     },
+     leaveEmpty},
+    {"sql",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue*, KeyValuePair* pair) {
+       pair->setValue(generator.sql(rest));
+     },
+     leaveNothing},
 };
 
 /// What "sql" is followed by, and who answers the rest.
@@ -70,14 +91,22 @@ std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsign
   return words;
 }
 
+const char* Generator::behind(const mirel_string& text, const char* word) {
+  const char* const first = text.c_str() + strspn(text.c_str(), " ");
+  const unsigned long length = strlen(word);
+  const bool isFirst = strncmp(first, word, length) == 0 && first[length] == ' ';
+  return isFirst ? first + length + strspn(first + length, " ") : nullptr;
+}
+
 void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
-  const std::vector<mirel_string> words = split_args(primitive->text(), 1);
-  if (words.size() != 2) {
-    return;
-  }
   for (const Command& command : kCommands) {
-    if (words[0] == command.word) {
-      command.run(*this, words[1], primitive, pair);
+    if (const char* rest = behind(primitive->text(), command.word)) {
+      const MemoryWatch memory;
+      MemoryWatch::during([&] { command.run(*this, rest, primitive, pair); });
+      if (memory.ranOut()) {
+        command.lose(primitive, pair);
+        memory.tell();
+      }
       return;
     }
   }
@@ -92,12 +121,13 @@ ItemWords Generator::commandWords() {
 }
 
 void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {
+  const MemoryWatch memory;
   const std::vector<mirel_string> words = split_args(rest, 1);
   // One word only is the item; what follows it is ignored.
   const mirel_string item = words.size() == 2 ? split_args(words[1], 1)[0] : "";
   mirel_string fact = "";
-  if (nativeFact({&m_instance, &m_platform, m_customer}, words[0], item, &fact)) {
-    primitive->setText(fact);
+  if (!memory.ranOut() && nativeFact({&m_instance, &m_platform, m_customer}, words[0], item, &fact)) {
+    primitive->setText(std::move(fact));
   }
 }
 
@@ -106,8 +136,9 @@ void Generator::execute(const mirel_string& command, PrimitiveValue* primitive) 
 }
 
 Value* Generator::sql(const mirel_string& rest) {
+  const MemoryWatch memory;
   const std::vector<mirel_string> words = split_args(rest, 1);
-  if (words.size() != 2) {
+  if (words.size() != 2 || memory.ranOut()) {
     return nullptr;
   }
   for (const SqlKind& kind : kSqlKinds) {

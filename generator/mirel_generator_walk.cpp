@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "common/mirel_common_console.h"
+#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -48,10 +49,12 @@ void Generator::visit(ArrayValue* array) {
 }
 
 void Generator::visit(KeyValuePair* pair) {
-  const std::vector<mirel_string> words = split_args(pair->getKey(), mirel_string::npos);
-  if (words.size() >= 3 && words[0] == "$foreach") {
-    expand(pair, words[1], withoutBrackets(words[2]));
-    return;
+  if (behind(pair->getKey(), "$foreach") != nullptr) {
+    const std::vector<mirel_string> words = split_args(pair->getKey(), mirel_string::npos);
+    if (words.size() >= 3) {
+      expand(pair, words[1], withoutBrackets(words[2]));
+      return;
+    }
   }
   Value* value = pair->getValue();
   if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
@@ -92,8 +95,10 @@ void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_s
   pair->setValue(copies.release());
 }
 
-/// The directory entry lives as long as the evaluation that asks about it.
+/// The directory entry lives as long as the evaluation that asks about it. Of a database that has lost its
+/// name nothing is asked.
 Value* Generator::runForDatabase(const KeyValuePair* pair) {
+  const MemoryWatch memory;
   katoDbDirInfoV9 entry = {};
   m_databaseName.upper().copy_to(entry.alias, sizeof entry.alias);
   const unsigned long behindTerminator = m_databaseName.length() + 1;
@@ -101,7 +106,7 @@ Value* Generator::runForDatabase(const KeyValuePair* pair) {
     entry.alias[behindTerminator] = ' ';
   }
   m_instance.setDb(&entry);
-  return cloneAndRun(pair);
+  return memory.ranOut() ? nullptr : cloneAndRun(pair);
 }
 
 Value* Generator::cloneAndRun(const KeyValuePair* pair) {

@@ -20,6 +20,9 @@
 /// is "native", "execute" or "sql". Every other string stays as it is. A key "$foreach VARIABLE [NAME]"
 /// becomes NAME, with an array of evaluated copies of the member's value: one copy for "db" when a database
 /// is connected, one for "table", none otherwise.
+///
+/// Where memory runs out during a command, its member becomes the empty text (a query's: no value), standard
+/// error says so in a line, and the walk goes on. Where it runs out for a copy, the tree is not to be used.
 class Generator final : public JsonVisitor {
  public:
   /// Connects to the database when its name has more than one character, then lets all collectors take
@@ -58,6 +61,8 @@ class Generator final : public JsonVisitor {
   struct Variable;
   static const Variable s_variables[];
 
+  /// What follows the first word of a text of several words, if it is this one; else null.
+  static const char* behind(const mirel_string& text, const char* word);
   void expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey);
   Value* runForDatabase(const KeyValuePair* pair);
 

@@ -6,7 +6,6 @@
 
 #include "common/mirel_common_builder.h"
 #include "common/mirel_common_console.h"
-#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -49,8 +48,7 @@ mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body
 }
 
 mirel_string HttpClient::exchange(const mirel_string& head, const mirel_string& body) {
-  // A request that lost a part of itself is none.
-  if (memoryRanOut || !m_socket.open(m_host, m_port)) {
+  if (head.lost() || !m_socket.open(m_host, m_port)) {
     return "";
   }
   // Also when the request did not go out whole: the server may have said why.

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <iostream>
 
-#include "common/mirel_common_memory.h"
 #include "platform/sockets.h"
 
 namespace {
@@ -141,9 +140,7 @@ std::string FakePlatform::open() const {
 }
 
 PlatformTest::PlatformTest()
-    : m_realOutput(std::cout.rdbuf(&m_output)), m_realError(std::cerr.rdbuf(&m_error)) {
-  memoryRanOut = false;  // as it is when a run begins
-}
+    : m_realOutput(std::cout.rdbuf(&m_output)), m_realError(std::cerr.rdbuf(&m_error)) {}
 
 PlatformTest::~PlatformTest() {
   std::cout.rdbuf(m_realOutput);

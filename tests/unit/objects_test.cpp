@@ -79,11 +79,12 @@ TEST_F(Objects, ResponseNeedsNoRoomForWhatItOnlyAnnounces) {
   const char response[] = "HTTP/1.1 200 OK\r\nContent-Length: 99999999\r\n\r\nshort";
   platform.responses = {{response}};
   platform.fail("_ossMemAlloc(1000000");
+  const MemoryWatch memory;
   Socket socket;
   EXPECT_TRUE(socket.open("h", 1));
   EXPECT_STREQ(response, socket.recv().c_str());
   EXPECT_TRUE(socket.close());
-  EXPECT_TRUE(platform.count("_ossMemAlloc(1000000") == 1 && !memoryRanOut);
+  EXPECT_TRUE(platform.count("_ossMemAlloc(1000000") == 1 && !memory.ranOut());
 }
 
 TEST_F(Objects, ExchangeSetsTheSocketLayerUpAndEndsIt) {
