@@ -2,12 +2,14 @@
 
 namespace tarn {
 
+Command diffCommand();
 Command strictCommand();
 Command templateCommand();
 
 const std::vector<Command>& commands() {
   static const std::vector<Command> all = {
       strictCommand(),
+      diffCommand(),
       templateCommand(),
   };
   return all;
