@@ -2,6 +2,8 @@
 // Each is repeated with every allocation, and every call of the platform, failing in turn. The build points
 // the core's allocations, and nobody else's, to the functions below.
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cctype>
 #include <climits>
@@ -118,7 +120,7 @@ class Torture : public PlatformTest, public testing::WithParamInterface<bool> {
     std::string document;  ///< printed and written, or posted
     std::string errors;
     long calls;                   ///< of the platform
-    std::set<std::string> asked;  ///< commands and queries
+    std::set<std::string> asked;  ///< commands, queries and files
   };
 
   const bool sending = GetParam();
@@ -133,15 +135,18 @@ class Torture : public PlatformTest, public testing::WithParamInterface<bool> {
     const char* arguments[] = {"mirel", "-s", "-z", "-d", "sample", "-h", "server", "-o", "/f"};
     const auto start = [&] { EXPECT_EQ(0, run(sending ? 9 : 8, const_cast<char**>(arguments) + !sending)); };
     Outcome result = {exitStatusOf(start), standardOutput(), standardError(), fake.count(""), {}};
-    std::istringstream asked(fake.calls("popen") + fake.calls("SQLExecDirect"));
+    std::istringstream asked(fake.calls("popen") + fake.calls("SQLExecDirect") + fake.calls("open("));
     for (std::string line; std::getline(asked, line);)
       result.asked.insert(line.substr(line.find('"')));
     const std::string text = sending ? fake.sent.size() < 2 ? "" : fake.sent[1] : result.document;
     const std::size_t begin = std::min(text.size(), text.find('{'));
     result.document = text.substr(begin, text.rfind('}') + 1 - begin);
     const std::string length = "Content-Length: " + std::to_string(result.document.size()) + "\r\n\r\n";
-    // A request that falls short of what it announces is told apart by any server.
-    if (sending && !text.ends_with(length + result.document))
+    const bool whole = text.empty() || text.ends_with("\r\nHost: node1\r\n" + length + result.document);
+    // A request that falls short of what it announces is told apart by any server. Want of memory makes none.
+    const bool mayFallShort = nth != -1 && *call == '\0';
+    EXPECT_TRUE(!sending || whole || mayFallShort) << text;
+    if (sending && !whole)
       result.document = "";
     if (result.status == -1) {
       EXPECT_EQ("", fake.open() + (s_blocks.size() == blocks ? "" : "blocks"))
@@ -218,7 +223,7 @@ TEST_P(Torture, EveryCallFails) {
     undelivered += found.empty();
   }
   EXPECT_GT(50, undelivered);
-  EXPECT_EQ("out of memory\n", outcome("ossSnprintf", 1).errors);
+  EXPECT_THAT(outcome("ossSnprintf", 0).errors, testing::StartsWith("out of memory\nout of memory\n"));
   std::fprintf(stderr, "Torture: %ld runs passed\n", faultless.calls);
 }
 
