@@ -51,21 +51,17 @@ def test_default_document(mirel, instance):
 LOST = b"failed to write to standard output\n"
 
 
-@pytest.mark.parametrize("redirection, told", [
-    (">&-", LOST), (">/dev/full", LOST), ("| head -c 1 >/dev/null", LOST), ("<&- >&- 2>&-", b"")])
-def test_losing_standard_output_is_told_and_costs_neither_file_nor_status(tmp_path, instance, redirection, told):
-    command = f"set -o pipefail; {BUILD}/mirel -z -o out {redirection}"
-    run = subprocess.run(["bash", "-c", command], cwd=tmp_path, env=instance, timeout=60, stderr=subprocess.PIPE, check=False)
-    assert (run.returncode, run.stderr) == (0, told)
-    document = (tmp_path / "out").read_text()
-    assert dict(members(document))["tarn_version"] == "1.1" and document.endswith("}")
-
-
-@pytest.mark.parametrize("arguments, status, told", [("", 0, b""), ("--bogus", 0, LOST), (
-    "-zsh 127.0.0.1 -p 1", 255, b"failed to connect\n" + LOST)])
-def test_losing_other_texts_is_told(tmp_path, arguments, status, told):
-    run = subprocess.run(f"{BUILD}/mirel {arguments} >/dev/full", shell=True, cwd=tmp_path, capture_output=True, check=False)
+@pytest.mark.parametrize("command, status, told", [
+    ("-z -o out >&-", 0, LOST), ("-z -o out >/dev/full", 0, LOST), ("-z -o out | head -c 1 >/dev/null", 0, LOST),
+    ("-z -o out <&- >&- 2>&-", 0, b""), (">/dev/full", 0, b""), ("--bogus >/dev/full", 0, LOST),
+    ("-zsh 127.0.0.1 -p 1 >/dev/full", 255, b"failed to connect\n" + LOST)])
+def test_losing_standard_output_is_told_and_costs_neither_file_nor_status(tmp_path, instance, command, status, told):
+    run = subprocess.run(["bash", "-c", f"set -o pipefail; {BUILD}/mirel {command}"], cwd=tmp_path, env=instance,
+                         timeout=60, stderr=subprocess.PIPE, check=False)
     assert (run.returncode, run.stderr) == (status, told)
+    if "out" in command:
+        document = (tmp_path / "out").read_text()
+        assert dict(members(document))["tarn_version"] == "1.1" and document.endswith("}")
 
 
 @pytest.fixture
