@@ -27,8 +27,10 @@ struct SqloOptionState {
 extern "C" {
 
 /// Starts the services; once, before any other call of the platform. From then on a reader that goes away and
-/// a limit on the size of files are errors of the write, never a signal that ends the run, and letter case is
-/// that of ASCII for the calling thread, whatever locale a database driver sets.
+/// a limit on the size of files are errors of the write, never a signal that ends the run; nothing that is
+/// opened takes the place of a standard descriptor that was closed, and writing to standard output is an
+/// error if that was; and letter case is that of ASCII for the calling thread, whatever locale a database
+/// driver sets.
 unsigned int ossOneTimeOnly();
 
 /// Ends the services; once. Only memory is given back, and a connection closed, after it.
@@ -95,7 +97,7 @@ class OSSHFile {
   unsigned int write(const OSSFileWriteParam* parameters, unsigned long* written);
   /// Reads up to the wanted count into `buffer`; `*received` is less only at the end of the file.
   unsigned int read(const OSSFileReadParam* parameters, void* buffer, unsigned long* received);
-  /// Brings what was written to the disk.
+  /// Brings what was written to the disk; what has none succeeds.
   unsigned int sync();
   unsigned int getSize(unsigned long* bytes);
   unsigned int close();
