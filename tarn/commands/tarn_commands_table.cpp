@@ -3,14 +3,14 @@
 namespace tarn {
 
 Command diffCommand();
+Command redactCommand();
+Command restoreCommand();
 Command strictCommand();
 Command templateCommand();
 
 const std::vector<Command>& commands() {
   static const std::vector<Command> all = {
-      strictCommand(),
-      diffCommand(),
-      templateCommand(),
+      strictCommand(), diffCommand(), redactCommand(), restoreCommand(), templateCommand(),
   };
   return all;
 }

@@ -21,6 +21,10 @@ std::string folderOf(const std::string& path) {
   return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
+std::string temporaryName(const std::string& path) {
+  return folderOf(path) + "/.tarn-XXXXXX";
+}
+
 /// A name can only be replaced where nothing or an ordinary file stands.
 bool canBeReplaced(const std::string& path) {
   struct stat there = {};
@@ -46,6 +50,8 @@ mode_t currentMask() {
 OutputFile::~OutputFile() {
   if (m_descriptor != -1) {
     close(m_descriptor);
+  }
+  if (!m_temporary.empty()) {
     unlink(m_temporary.c_str());
   }
 }
@@ -55,8 +61,12 @@ std::optional<std::string> OutputFile::open(const std::string& path) {
   if (!canBeReplaced(m_path)) {
     return "not an ordinary file";
   }
-  m_temporary = folderOf(m_path) + "/.tarn-XXXXXX";
-  m_descriptor = mkostemp(m_temporary.data(), O_CLOEXEC);
+  m_descriptor = ::open(folderOf(m_path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  if (m_descriptor == -1) {
+    std::string temporary = temporaryName(m_path);
+    m_descriptor = mkostemp(temporary.data(), O_CLOEXEC);
+    m_temporary = m_descriptor == -1 ? "" : temporary;
+  }
   return m_descriptor == -1 ? std::optional(lastProblem()) : std::nullopt;
 }
 
@@ -72,14 +82,33 @@ std::optional<std::string> OutputFile::write(std::string_view bytes) {
 }
 
 std::optional<std::string> OutputFile::finish(unsigned int mode) {
-  const bool named = fchmod(m_descriptor, mode & ~currentMask()) == 0 && fsync(m_descriptor) == 0 &&
-                     rename(m_temporary.c_str(), m_path.c_str()) == 0;
+  const bool named = fchmod(m_descriptor, mode & ~currentMask()) == 0 && fsync(m_descriptor) == 0 && name();
   if (!named) {
     return lastProblem();
   }
+  m_temporary.clear();
   close(m_descriptor);
   m_descriptor = -1;
   return std::nullopt;
+}
+
+// linkat(2) replaces nothing, so the file gets a temporary name for the moment until rename(2).
+bool OutputFile::name() {
+  if (m_temporary.empty()) {
+    std::string temporary = temporaryName(m_path);
+    const int place = mkostemp(temporary.data(), O_CLOEXEC);
+    if (place == -1) {
+      return false;
+    }
+    close(place);
+    unlink(temporary.c_str());
+    const std::string nameless = "/proc/self/fd/" + std::to_string(m_descriptor);
+    if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, temporary.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+      return false;
+    }
+    m_temporary = temporary;
+  }
+  return rename(m_temporary.c_str(), m_path.c_str()) == 0;
 }
 
 bool sameFile(const std::string& one, const std::string& other) {

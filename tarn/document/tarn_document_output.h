@@ -1,5 +1,7 @@
 #pragma once
-/// A file that appears whole or not at all: written beside its place, forced to disk, renamed.
+/// A file that appears whole or not at all: written without a name where it will stand, forced to disk,
+/// named. Where the file system knows no files without names, it has a temporary one that begins with
+/// ".tarn-".
 
 #include <optional>
 #include <string>
@@ -24,7 +26,9 @@ class OutputFile {
   std::optional<std::string> finish(unsigned int mode);
 
  private:
-  std::string m_path, m_temporary;
+  bool name();
+
+  std::string m_path, m_temporary;  ///< `m_temporary` is empty while there is no name
   int m_descriptor = -1;
 };
 

@@ -1,0 +1,66 @@
+#pragma once
+/// Where a command puts the documents that it makes of others: standard output, a file for one, a directory
+/// for several. Nothing appears before all of them are whole.
+
+#include <cstdio>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tarn/document/tarn_document_output.h"
+
+namespace tarn {
+
+class Console;
+
+/// One document on its way. What goes to standard output waits in a file without a name.
+class Output {
+ public:
+  std::optional<std::string> openFile(const std::string& path);
+  std::optional<std::string> openSpool();
+
+  /// After a problem nothing is written any more.
+  void write(std::string_view bytes);
+  const std::optional<std::string>& problem() const { return m_problem; }
+  const std::string& name() const { return m_name; }
+
+  /// What is still kept goes to the disk.
+  void flush();
+  /// After `flush`, without a problem: a file gets its name, the spool goes to the console.
+  std::optional<std::string> finish(Console& console);
+
+ private:
+  std::string m_name = "standard output", m_kept;
+  std::optional<OutputFile> m_file;
+  struct Close {
+    void operator()(std::FILE* file) const { fclose(file); }
+  };
+  std::unique_ptr<std::FILE, Close> m_spool;
+  std::optional<std::string> m_problem;
+};
+
+class Outputs {
+ public:
+  explicit Outputs(Console& console) : m_console(console) {}
+
+  /// An output for each input: `out` is empty for standard output, a directory when there are several inputs.
+  /// False when one of them cannot be, or would replace an input; the console was told.
+  bool open(const std::vector<std::string>& inputs, const std::string& out);
+  Output& at(std::size_t index) { return m_outputs[index]; }
+  /// Whether all was written, up to the last byte; else the console was told.
+  bool flush(Output& output);
+  /// Gives all of them, flushed, their names, mode 0600. False when one could not be; the console was told.
+  bool finish();
+
+ private:
+  bool openOne(const std::string& path, const std::vector<std::string>& inputs);
+  bool tell(const std::string& name, const std::optional<std::string>& problem);
+
+  Console& m_console;
+  std::deque<Output> m_outputs;
+};
+
+}  // namespace tarn
