@@ -36,11 +36,11 @@ def collect(mirel, sample, database):
 
 def masked(text, target):
     """The document without what differs between hosts, folders and runs."""
-    text = text.replace(str(target.parent), "FOLDER")
+    text = text.replace(str(target.parent), "FOLDER").replace(f'{sqlite3.sqlite_version}"', 'VERSION"')
     head, platform, tail = re.split(r'(?s)(?<="platformInfo": \{\n)(.*?)(?=  \},)', text)
     platform = re.sub(r'(": )"[^"\n]+"', r'\1"*"', platform)
-    for key in ("tarn_collection_time", "STATS_TIME", "seed", "codeRelease", "version", "buildLevel",
-                "versionRaw", "environmentVarsRaw", "nodesRaw"):
+    for key in ("tarn_collection_time", "STATS_TIME", "seed", "buildLevel", "versionRaw",
+                "environmentVarsRaw", "nodesRaw"):
         head = re.sub(rf'("{key}": )"[^"\n]+"', r'\1"*"', head)
     return head + platform + tail
 

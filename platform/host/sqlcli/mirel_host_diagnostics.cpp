@@ -9,9 +9,6 @@
 
 namespace {
 
-/// No driver has that many messages about one call; one that has does not know where to stop.
-constexpr short kMostRecords = 64;
-
 constexpr std::size_t kStateSize = 6;
 
 /// Where a record goes.
@@ -40,18 +37,16 @@ void makeOneLine(char* message, std::size_t size, short reported) {
   message[size - 1] = '\0';
   std::size_t length = std::clamp<std::size_t>(static_cast<std::size_t>(std::max<short>(reported, 0)),
                                                std::strlen(message), size - 1);
+  const bool isCut = length == size - 1;  // or it fits to the byte
   std::replace_if(
       message, message + length, [](char c) { return c == '\0' || (c >= '\t' && c <= '\r'); }, ' ');
   while (length > 0 && message[length - 1] == ' ') {
     --length;
   }
-  message[host::wholeCharacters({message, length})] = '\0';
+  message[isCut ? host::wholeCharacters({message, length}) : length] = '\0';
 }
 
 SQLRETURN report(short type, host::OdbcHandle native, short number, const Record& record) {
-  if (number > kMostRecords) {
-    return SQL_NO_DATA;
-  }
   const SQLRETURN code =
       host::odbc().getDiagRec(type, native, number, host::odbcText(record.state), record.nativeError,
                               host::odbcText(record.message), static_cast<short>(record.size), record.length);

@@ -16,6 +16,13 @@ static_assert(kOdbcEngineName == SQL_DBMS_NAME && kOdbcEngineVersion == SQL_DBMS
 static_assert(kOdbcIdentifierCase == SQL_IDENTIFIER_CASE && kOdbcUpperCase == SQL_IC_UPPER);
 static_assert(kOdbcFetchFirst == SQL_FETCH_FIRST && kOdbcFetchNext == SQL_FETCH_NEXT);
 
+static_assert(kOdbcDriverOdbcVersion == SQL_DRIVER_ODBC_VER);
+static_assert(kOdbcGetDataExtensions == SQL_GETDATA_EXTENSIONS && kOdbcGetDataInBlocks == SQL_GD_BLOCK);
+static_assert(kOdbcRowBindType == SQL_ATTR_ROW_BIND_TYPE && kOdbcRowStatus == SQL_ATTR_ROW_STATUS_PTR);
+static_assert(kOdbcRowsFetched == SQL_ATTR_ROWS_FETCHED_PTR && kOdbcRowArraySize == SQL_ATTR_ROW_ARRAY_SIZE);
+static_assert(kOdbcRowError == SQL_ROW_ERROR && kOdbcUnbind == SQL_UNBIND);
+static_assert(kOdbcPosition == SQL_POSITION && kOdbcLockNoChange == SQL_LOCK_NO_CHANGE);
+
 namespace {
 
 constexpr char kLibrary[] = "libodbc.so.2";
@@ -44,6 +51,12 @@ bool findAll(void* library, Odbc* all) {
          find<decltype(SQLTables)>(library, "SQLTables", &all->tables) &&
          find<decltype(SQLNumResultCols)>(library, "SQLNumResultCols", &all->numResultCols) &&
          find<decltype(SQLDescribeCol)>(library, "SQLDescribeCol", &all->describeCol) &&
+         find<decltype(SQLRowCount)>(library, "SQLRowCount", &all->rowCount) &&
+         find<decltype(SQLSetStmtAttr)>(library, "SQLSetStmtAttr", &all->setStmtAttr) &&
+         find<decltype(SQLBindCol)>(library, "SQLBindCol", &all->bindCol) &&
+         find<decltype(SQLFreeStmt)>(library, "SQLFreeStmt", &all->freeStmt) &&
+         find<decltype(SQLSetPos)>(library, "SQLSetPos", &all->setPos) &&
+         find<decltype(SQLCancel)>(library, "SQLCancel", &all->cancel) &&
          find<decltype(SQLFetch)>(library, "SQLFetch", &all->fetch) &&
          find<decltype(SQLGetData)>(library, "SQLGetData", &all->getData) &&
          find<decltype(SQLGetDiagRec)>(library, "SQLGetDiagRec", &all->getDiagRec);
@@ -84,6 +97,10 @@ const Odbc& odbc() {
 
 void keepOdbcConfiguration() {
   [[maybe_unused]] static void* const kept = dlopen(kConfigurationLibrary, RTLD_NOW | RTLD_LOCAL);
+}
+
+bool isUnfinished(short code) {
+  return code > SQL_SUCCESS_WITH_INFO && code != SQL_NO_DATA;
 }
 
 OdbcHandle allocateOdbcEnvironment() {

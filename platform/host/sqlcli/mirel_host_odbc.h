@@ -32,6 +32,13 @@ struct Odbc {
   short (*describeCol)(OdbcHandle statement, unsigned short column, unsigned char* name, short nameSize,
                        short* nameLength, short* dataType, unsigned long* columnSize, short* decimalDigits,
                        short* nullable);
+  short (*rowCount)(OdbcHandle statement, long* count);
+  short (*setStmtAttr)(OdbcHandle statement, int attribute, void* value, int length);
+  short (*bindCol)(OdbcHandle statement, unsigned short column, short targetType, void* target,
+                   long targetSize, long* indicator);
+  short (*freeStmt)(OdbcHandle statement, unsigned short option);
+  short (*setPos)(OdbcHandle statement, unsigned long row, unsigned short operation, unsigned short lock);
+  short (*cancel)(OdbcHandle statement);
   short (*fetch)(OdbcHandle statement);
   short (*getData)(OdbcHandle statement, unsigned short column, short targetType, void* target,
                    long targetSize, long* indicator);
@@ -46,6 +53,17 @@ inline constexpr unsigned short kOdbcEngineName = 17;
 inline constexpr unsigned short kOdbcEngineVersion = 18;
 inline constexpr unsigned short kOdbcIdentifierCase = 28;
 inline constexpr unsigned short kOdbcUpperCase = 1;  ///< answer: unquoted names are kept in upper case
+inline constexpr unsigned short kOdbcDriverOdbcVersion = 77;
+inline constexpr unsigned short kOdbcGetDataExtensions = 81;
+inline constexpr unsigned int kOdbcGetDataInBlocks = 4;  ///< answer: values of any row of a block can be read
+inline constexpr int kOdbcRowBindType = 5;               ///< the distance between two rows, in bytes
+inline constexpr int kOdbcRowStatus = 25;
+inline constexpr int kOdbcRowsFetched = 26;
+inline constexpr int kOdbcRowArraySize = 27;
+inline constexpr unsigned short kOdbcRowError = 5;  ///< status of a row
+inline constexpr unsigned short kOdbcUnbind = 2;
+inline constexpr unsigned short kOdbcPosition = 0;
+inline constexpr unsigned short kOdbcLockNoChange = 0;
 inline constexpr unsigned short kOdbcFetchFirst = 2;
 inline constexpr unsigned short kOdbcFetchNext = 1;
 
@@ -64,6 +82,10 @@ void keepOdbcConfiguration();
 inline unsigned char* odbcText(const char* text) {
   return reinterpret_cast<unsigned char*>(const_cast<char*>(text));
 }
+
+/// Whether the call that gave this code is still under way (SQL_STILL_EXECUTING, SQL_NEED_DATA and the like).
+/// The manager does not free a statement then unless it was cancelled.
+bool isUnfinished(short code);
 
 /// A new environment of the manager that speaks ODBC 3; null on failure. The caller frees it.
 OdbcHandle allocateOdbcEnvironment();

@@ -1,10 +1,12 @@
 // Result sets of the SQL call-level interface: what the drivers answer, made safe to rely on.
 //
-// A text is terminated whatever the driver did, and a text that was cut to the buffer never ends inside a
-// UTF-8 character: a reader gets as many whole characters as fit. What a cut dropped is not offered again.
+// Rows after the first one come in blocks where the driver can. A text is terminated whatever the driver did,
+// and a text that was cut to the buffer never ends inside a UTF-8 character: a reader gets as many whole
+// characters as fit. What a cut dropped is not offered again.
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 #include "platform/host/sqlcli/mirel_host_session.h"
 #include "platform/host/sqlcli/mirel_host_utf8.h"
@@ -12,24 +14,48 @@
 
 using host::odbc;
 using host::Statement;
+using host::ValueRequest;
 
 namespace {
 
-/// Makes a fetched text good. `*length` may be anything: some drivers do not know the length (below 0), some
-/// write 32 bits of it.
-SQLRETURN finishText(SQLRETURN code, char* text, long size, long* length) {
-  if (static_cast<int>(*length) == SQL_NULL_DATA) {
-    *length = SQL_NULL_DATA;
+/// Blocks for the rows behind the first one, where the driver knows how many there are. It holds the whole
+/// result then; another one might fail at a row of the block that nobody has asked for yet, and lose those
+/// before it.
+std::unique_ptr<host::RowBlock> openBlock(const Statement& statement) {
+  long rows = 0;
+  const bool isKnown =
+      statement.connection->engine.givesBlocks && sqlSucceeded(odbc().rowCount(statement.native, &rows));
+  return isKnown ? host::RowBlock::open(statement.native, rows - 1) : nullptr;
+}
+
+/// The driver's own answer, one value by itself.
+SQLRETURN ask(Statement* statement, const ValueRequest& request) {
+  if (request.isText()) {
+    std::memset(request.target, 0, static_cast<std::size_t>(request.size));  // drivers may leave it as it is
+  }
+  *request.length = 0;
+  return statement->noted(odbc().getData(statement->native, request.column, request.type, request.target,
+                                         request.size, request.length));
+}
+
+/// Makes a fetched text good; the code tells whether it was cut. Some drivers write 32 bits of the length,
+/// some do not know it (below 0): then a text that fills its buffer counts as cut.
+SQLRETURN finishText(const ValueRequest& request) {
+  char* const text = static_cast<char*>(request.target);
+  const auto size = static_cast<std::size_t>(request.size);
+  long& length = *request.length;
+  length = (length >> 32) == 0 ? static_cast<int>(length) : length;
+  if (static_cast<int>(length) == SQL_NULL_DATA) {
+    length = SQL_NULL_DATA;
     *text = '\0';
-    return code;
+    return SQL_SUCCESS;
   }
   text[size - 1] = '\0';
-  const bool fits = *length >= 0 && *length < size;
-  if (code == SQL_SUCCESS && fits) {
-    return code;
+  const bool fits = length < 0 ? std::strlen(text) < size - 1 : length < request.size;
+  if (!fits) {
+    text[host::wholeCharacters(text)] = '\0';
   }
-  text[host::wholeCharacters(text)] = '\0';
-  return *length >= size ? SQL_SUCCESS_WITH_INFO : code;
+  return fits ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
 /// The product's spelling of a column name.
@@ -44,8 +70,9 @@ void spellName(const Statement& statement, char* name, std::size_t length) {
 
 SQLRETURN SQLNumResultCols(SQLHANDLE handle, short* count) {
   *count = 0;
-  const Statement* statement = host::handles().find<Statement>(handle);
-  return statement != nullptr ? odbc().numResultCols(statement->native, count) : SQL_INVALID_HANDLE;
+  Statement* statement = host::handles().find<Statement>(handle);
+  return statement != nullptr ? statement->noted(odbc().numResultCols(statement->native, count))
+                              : SQL_INVALID_HANDLE;
 }
 
 SQLRETURN SQLDescribeCol(SQLHANDLE handle, unsigned short column, char* name, short nameSize,
@@ -53,39 +80,50 @@ SQLRETURN SQLDescribeCol(SQLHANDLE handle, unsigned short column, char* name, sh
                          short* nullable) {
   const auto size = static_cast<std::size_t>(std::max<short>(nameSize, 0));
   std::fill_n(name, size, '\0');
-  const Statement* statement = host::handles().find<Statement>(handle);
+  Statement* statement = host::handles().find<Statement>(handle);
   if (statement == nullptr) {
     return SQL_INVALID_HANDLE;
   }
-  const SQLRETURN code = odbc().describeCol(statement->native, column, host::odbcText(name), nameSize,
-                                            nameLength, dataType, columnSize, decimalDigits, nullable);
+  const SQLRETURN code =
+      statement->noted(odbc().describeCol(statement->native, column, host::odbcText(name), nameSize,
+                                          nameLength, dataType, columnSize, decimalDigits, nullable));
   if (size == 0 || !sqlSucceeded(code)) {
     return code;
   }
   name[size - 1] = '\0';
-  const std::size_t length = host::wholeCharacters(name);
-  name[length] = '\0';
+  std::size_t length = std::strlen(name);
+  if (*nameLength >= nameSize || length == size - 1) {  // some drivers tell the length of what arrived
+    length = host::wholeCharacters(name);
+    name[length] = '\0';
+  }
   spellName(*statement, name, length);
   return *nameLength >= nameSize ? SQL_SUCCESS_WITH_INFO : code;
 }
 
 SQLRETURN SQLFetch(SQLHANDLE handle) {
-  const Statement* statement = host::handles().find<Statement>(handle);
-  return statement != nullptr ? odbc().fetch(statement->native) : SQL_INVALID_HANDLE;
+  Statement* statement = host::handles().find<Statement>(handle);
+  if (statement == nullptr) {
+    return SQL_INVALID_HANDLE;
+  }
+  // The first row comes by itself, since most results have no other.
+  if (statement->fetches < 2 && ++statement->fetches == 2) {
+    statement->block = openBlock(*statement);
+  }
+  return statement->noted(statement->block != nullptr ? statement->block->fetch()
+                                                      : odbc().fetch(statement->native));
 }
 
 SQLRETURN SQLGetData(SQLHANDLE handle, unsigned short column, short targetType, void* target, long targetSize,
                      long* indicator) {
-  const Statement* statement = host::handles().find<Statement>(handle);
+  Statement* statement = host::handles().find<Statement>(handle);
   if (statement == nullptr) {
     return SQL_INVALID_HANDLE;
   }
-  const bool isText = targetType == SQL_C_CHAR && target != nullptr && targetSize > 0;
-  if (isText) {
-    std::memset(target, 0, static_cast<std::size_t>(targetSize));  // drivers may leave it as it is
+  const ValueRequest request{column, targetType, target, targetSize, indicator};
+  host::RowBlock* block = statement->block.get();
+  if (block != nullptr && block->serve(request)) {
+    return finishText(request);
   }
-  *indicator = 0;
-  const SQLRETURN code = odbc().getData(statement->native, column, targetType, target, targetSize, indicator);
-  return isText && sqlSucceeded(code) ? finishText(code, static_cast<char*>(target), targetSize, indicator)
-                                      : code;
+  const SQLRETURN code = block == nullptr || block->position() ? ask(statement, request) : SQL_ERROR;
+  return request.isText() && sqlSucceeded(code) ? finishText(request) : code;
 }

@@ -64,27 +64,6 @@ void destroy(Environment* environment) {
   delete environment;
 }
 
-void describe(OdbcHandle connection, unsigned short item, Engine::Text* text) {
-  *text = {};
-  short length = 0;
-  odbc().getInfo(connection, item, text->data(), static_cast<short>(text->size()), &length);
-  text->back() = '\0';
-}
-
-Engine describeEngine(OdbcHandle connection) {
-  Engine engine;
-  describe(connection, kOdbcEngineName, &engine.name);
-  describe(connection, kOdbcEngineVersion, &engine.version);
-  describe(connection, kOdbcDriverName, &engine.driver);
-  describe(connection, kOdbcDriverVersion, &engine.driverVersion);
-  unsigned short identifierCase = 0;
-  short length = 0;
-  odbc().getInfo(connection, kOdbcIdentifierCase, &identifierCase, sizeof identifierCase, &length);
-  engine.reportsUpperCase = identifierCase == kOdbcUpperCase;
-  engine.dialect = &dialectOf(engine.name.data(), engine.version.data());
-  return engine;
-}
-
 void freeStatements(const Connection& connection) {
   table.forEach<Statement>([&connection](const Statement& statement, SQLHANDLE handle) {
     if (statement.connection == &connection) {
@@ -93,20 +72,23 @@ void freeStatements(const Connection& connection) {
   });
 }
 
-/// A session that cannot be prepared is still good for most queries, so failures pass.
-void prepareSession(const Connection& connection) {
-  const char* start = connection.engine.dialect->sessionStart;
-  OdbcHandle statement = nullptr;
-  if (start != nullptr && sqlSucceeded(odbc().allocHandle(SQL_HANDLE_STMT, connection.native, &statement))) {
-    odbc().execDirect(statement, odbcText(start), SQL_NTS);
-    odbc().freeHandle(SQL_HANDLE_STMT, statement);
-  }
-}
-
 }  // namespace
 
 HandleTable& handles() {
   return table;
+}
+
+SQLRETURN Statement::noted(SQLRETURN code) {
+  unfinished = unfinished || isUnfinished(code);
+  return code;
+}
+
+void Statement::leaveResult() {
+  if (block != nullptr) {
+    block->close();
+    block.reset();
+  }
+  fetches = 0;
 }
 
 AllocationFailure allocationFailure(short type) {
@@ -181,6 +163,9 @@ SQLRETURN freeStatement(SQLHANDLE handle) {
     return SQL_INVALID_HANDLE;
   }
   table.remove(handle);
+  if (statement->unfinished) {
+    odbc().cancel(statement->native);
+  }
   const SQLRETURN code = odbc().freeHandle(SQL_HANDLE_STMT, statement->native);
   delete statement;
   return code;
@@ -198,8 +183,7 @@ SQLRETURN openSession(Connection* connection, const char* dataSource, short data
                                         odbcText(user), userLength, odbcText(password), passwordLength);
   if (sqlSucceeded(code)) {
     connection->connected = ++connectionsOpened;
-    connection->engine = describeEngine(connection->native);
-    prepareSession(*connection);
+    connection->engine = meetEngine(connection->native);
   }
   return code;
 }

@@ -5,8 +5,10 @@
 /// The records are made here and freed here; a function that takes a handle answers SQL_INVALID_HANDLE for
 /// one that is not alive, without a word to the driver manager.
 
-#include <array>
+#include <memory>
 
+#include "platform/host/sqlcli/mirel_host_block.h"
+#include "platform/host/sqlcli/mirel_host_engine.h"
 #include "platform/host/sqlcli/mirel_host_handles.h"
 #include "platform/host/sqlcli/mirel_host_odbc.h"
 #include "platform/host/sqlcli/mirel_host_statement.h"
@@ -27,17 +29,6 @@ struct Environment {
   bool released = false;  ///< its handle is gone; it goes with its last connection
 };
 
-/// What a connected driver tells of itself and its engine; a text is empty where it tells nothing.
-struct Engine {
-  using Text = std::array<char, 256>;
-  Text name{};
-  Text version{};
-  Text driver{};
-  Text driverVersion{};
-  bool reportsUpperCase = false;  ///< unquoted column names come in upper case already
-  const Dialect* dialect = &dialectOf({}, {});
-};
-
 struct Connection {
   static constexpr short kType = SQL_HANDLE_DBC;
   OdbcHandle native;
@@ -52,6 +43,14 @@ struct Statement {
   Connection* connection;
   QuotedNames quotedNames{};
   const Complaint* complaint = nullptr;  ///< about the last call, if we refused it ourselves
+  std::unique_ptr<RowBlock> block{};     ///< serves the rows; null: they are fetched one at a time
+  int fetches = 0;                       ///< of the current result; not counted beyond 2
+  bool unfinished = false;               ///< a call on it did not end
+
+  /// Passes the code of a call on this statement through, and remembers one that is unfinished.
+  SQLRETURN noted(SQLRETURN code);
+  /// Leaves the result of the last statement.
+  void leaveResult();
 };
 
 inline constexpr Complaint kOutOfMemory{"HY001", "Out of memory"};

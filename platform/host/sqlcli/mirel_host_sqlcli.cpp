@@ -24,6 +24,10 @@ std::optional<std::string> prepare(Statement* statement, std::string_view text) 
   return host::adaptStatement(text, dialect);
 }
 
+SQLRETURN execute(Statement* statement, const char* text, int length) {
+  return statement->noted(odbc().execDirect(statement->native, odbcText(text), length));
+}
+
 }  // namespace
 
 SQLRETURN SQLAllocHandle(short type, SQLHANDLE input, SQLHANDLE* output) {
@@ -61,12 +65,9 @@ SQLRETURN SQLSetConnectAttr(SQLHANDLE handle, int attribute, void* value, int le
   if (connection == nullptr) {
     return SQL_INVALID_HANDLE;
   }
-  // Engines without a query patroller have nothing to bypass. The manager would keep the attribute and
-  // replay it when it connects, where a driver may trip over it.
-  if (attribute == SQL_ATTR_QUERY_PATROLLER_BYPASS) {
-    return SQL_SUCCESS;
-  }
-  return odbc().setConnectAttr(connection->native, attribute, value, length);
+  const SQLRETURN code = odbc().setConnectAttr(connection->native, attribute, value, length);
+  // An engine without a query patroller has nothing to bypass, and its driver may say so.
+  return attribute == SQL_ATTR_QUERY_PATROLLER_BYPASS ? SQL_SUCCESS : code;
 }
 
 SQLRETURN SQLConnect(SQLHANDLE handle, const char* dataSource, short dataSourceLength, const char* user,
@@ -88,17 +89,18 @@ SQLRETURN SQLExecDirect(SQLHANDLE handle, const char* text, int length) {
     return SQL_INVALID_HANDLE;
   }
   statement->complaint = nullptr;
+  statement->leaveResult();
   if (text == nullptr || (length < 0 && length != SQL_NTS)) {
-    return odbc().execDirect(statement->native, odbcText(text), length);  // the manager says what is wrong
+    return execute(statement, text, length);  // the manager says what is wrong
   }
   const std::size_t size = length == SQL_NTS ? std::strlen(text) : static_cast<std::size_t>(length);
   try {
     const std::optional<std::string> prepared = prepare(statement, {text, size});
     if (!prepared) {
-      return odbc().execDirect(statement->native, odbcText(text), length);
+      return execute(statement, text, length);
     }
-    const int preparedLength = length == SQL_NTS ? length : static_cast<int>(prepared->size());
-    return odbc().execDirect(statement->native, odbcText(prepared->c_str()), preparedLength);
+    return execute(statement, prepared->c_str(),
+                   length == SQL_NTS ? length : static_cast<int>(prepared->size()));
   } catch (const std::bad_alloc&) {
     statement->complaint = &host::kOutOfMemory;
     return SQL_ERROR;
@@ -113,7 +115,9 @@ SQLRETURN SQLTables(SQLHANDLE handle, const char* catalog, short catalogLength, 
     return SQL_INVALID_HANDLE;
   }
   statement->complaint = nullptr;
+  statement->leaveResult();
   statement->quotedNames = {};
-  return odbc().tables(statement->native, odbcText(catalog), catalogLength, odbcText(schema), schemaLength,
-                       odbcText(table), tableLength, odbcText(type), typeLength);
+  return statement->noted(odbc().tables(statement->native, odbcText(catalog), catalogLength, odbcText(schema),
+                                        schemaLength, odbcText(table), tableLength, odbcText(type),
+                                        typeLength));
 }

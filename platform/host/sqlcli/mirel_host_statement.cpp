@@ -18,22 +18,31 @@ namespace {
 constexpr const char* kPostgresqlSession =
     "select set_config('client_encoding', 'UTF8', false), set_config('enable_hashagg', 'off', false)";
 
+constexpr const char* kPostgresqlVersion = "select current_setting('server_version')";
+
 /// The first is that of every engine not listed; for the others the first that fits holds.
-constexpr std::array<Dialect, 5> kDialects{{
+constexpr std::array<Dialect, 6> kDialects{{
     {.backtickNames = true},
-    {.engine = "SQLite", .bareTableFunctions = true, .bracketNames = true, .backtickNames = true},
+    {.engine = "SQLite",
+     .bareTableFunctions = true,
+     .bracketNames = true,
+     .backtickNames = true,
+     .version = "select sqlite_version()"},
+    {.engine = "MariaDB", .backtickNames = true, .rowByRow = true, .version = "select version()"},
     {.engine = "PostgreSQL",
      .before = 16,
      .bareTableFunctions = true,
      .namedSubqueries = true,
      .nestedComments = true,
      .dollarQuotes = true,
-     .sessionStart = kPostgresqlSession},
+     .sessionStart = kPostgresqlSession,
+     .version = kPostgresqlVersion},
     {.engine = "PostgreSQL",
      .bareTableFunctions = true,
      .nestedComments = true,
      .dollarQuotes = true,
-     .sessionStart = kPostgresqlSession},
+     .sessionStart = kPostgresqlSession,
+     .version = kPostgresqlVersion},
     {.engine = "Microsoft SQL Server", .bracketNames = true, .nestedComments = true},
 }};
 

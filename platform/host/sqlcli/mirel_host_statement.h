@@ -21,7 +21,9 @@ struct Dialect {
   bool backtickNames = false;    ///< `name` is one, too
   bool nestedComments = false;   ///< a /* */ comment may hold others
   bool dollarQuotes = false;     ///< $tag$text$tag$ and E'text with \' in it' are strings
+  bool rowByRow = false;         ///< the driver, put on a row of a block, reads from another
   const char* sessionStart = nullptr;  ///< a statement that opens every session; null: none
+  const char* version = nullptr;       ///< a query for the engine's version; null: the driver tells it
 };
 
 /// The dialect of an engine, by its name and version ("15.0.18") as the driver tells them.
