@@ -36,6 +36,19 @@ inline const char* endOfText(const char* text, const char* end, unsigned char* s
   return text;
 }
 
+/// Where the run of spaces ends, at most at `end`.
+inline const char* endOfSpaces(const char* text, const char* end) {
+  for (; end - text >= 8; text += 8) {
+    if (const eight::Eight others = eight::load(text) ^ (eight::kEach * ' '); others != 0) {
+      return text + eight::before(others);
+    }
+  }
+  while (text != end && *text == ' ') {
+    ++text;
+  }
+  return text;
+}
+
 /// An escape at the beginning of a text; a pair of surrogates is one.
 struct Escape {
   enum class Kind { known, unknown, unfinished };

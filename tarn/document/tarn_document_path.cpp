@@ -100,16 +100,6 @@ void Path::hashPart(std::string_view raw, bool clean) {
   m_hash.add(mended);
 }
 
-void Path::keyWhole(std::string_view raw, bool clean) {
-  m_top->key = raw;
-  m_firstInBlock = std::min(m_firstInBlock, m_depth - 1);
-  if (m_numbered) {
-    m_hash = NameHash();
-    hashPart(raw, clean);
-  }
-  keyEnds();
-}
-
 /// One byte more than what is shown tells that there are more.
 void Path::keyPart(std::string_view raw, bool clean, bool begins) {
   std::string& kept = m_top->kept;

@@ -10,6 +10,7 @@
 /// Within `open`, `close`, `text` and `scalar` the innermost member is the value at hand, within a `key` that
 /// has ended the member that it names.
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -67,7 +68,16 @@ class Path {
   }
   /// A key whose raw bytes lie in the block, or a part of one that goes over several; `clean` when its bytes
   /// are its strict text.
-  void keyWhole(std::string_view raw, bool clean);
+  void keyWhole(std::string_view raw, bool clean) {
+    m_top->key = raw;
+    m_top->isOpen = true;
+    m_firstInBlock = std::min(m_firstInBlock, m_depth - 1);
+    if (m_numbered) {
+      m_hash = NameHash();
+      hashPart(raw, clean);
+      keyEnds();
+    }
+  }
   void keyPart(std::string_view raw, bool clean, bool begins);
   void keyEnds();
   /// The block goes away: keeps the keys that lie in it.

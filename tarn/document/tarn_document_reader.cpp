@@ -14,169 +14,170 @@ Reader::Reader(DocumentSink& sink) : m_sink(sink), m_path(m_ownPath) {}
 Reader::Reader(DocumentSink& sink, Path& path) : m_sink(sink), m_path(path) {}
 
 bool Reader::feed(std::string_view block) {
-  m_begin = m_at = block.data();
+  if (m_over || block.empty()) {
+    return !m_over;
+  }
+  m_begin = block.data();
   m_end = m_begin + block.size();
-  bool goOn = !m_over && resume();
-  while (goOn && skipBlanks()) {
-    goOn = token();
+  const char* at = resume(m_begin);
+  while (at != nullptr && (at = pastBlanks(at)) != m_end) {
+    at = token(at);
   }
   m_path.keepKeys();
   m_base += block.size();
-  return goOn;
+  return at != nullptr;
 }
 
-bool Reader::resume() {
+const char* Reader::resume(const char* at) {
   switch (m_inside) {
     case Inside::nothing:
-      return m_next != Next::mark || skipMark();
+      return m_next == Next::mark ? pastMark(at) : at;
     case Inside::literal:
-      return literal();
+      return literal(at);
     case Inside::number:
-      return number();
+      return number(at);
     default:
-      return resumeHeld();
+      return held(at);
   }
 }
 
 /// A byte order mark may come in pieces: as many bytes of it as were there so far are the offset.
-bool Reader::skipMark() {
-  while (m_at != m_end && m_next == Next::mark) {
-    const auto seen = static_cast<std::size_t>(offset(m_at));
-    if (seen == kMark.size() || (seen == 0 && *m_at != kMark[0])) {
+const char* Reader::pastMark(const char* at) {
+  while (at != m_end && m_next == Next::mark) {
+    const auto seen = static_cast<std::size_t>(offset(at));
+    if (seen == kMark.size() || (seen == 0 && *at != kMark[0])) {
       m_next = Next::root;
-    } else if (*m_at++ != kMark[seen]) {
-      return damage(0, "is no JSON");
+    } else if (*at++ != kMark[seen]) {
+      return damage(std::uint64_t{0}, "is no JSON");
     }
   }
-  return true;
+  return at;
 }
 
-/// False when the block has no more.
-bool Reader::skipBlanks() {
-  const char* at = m_at;
-  for (; at != m_end; ++at) {
-    if (*at == '\n') {
-      ++m_line;
-      m_lineStart = offset(at) + 1;
-    } else if (*at != ' ' && *at != '\r' && *at != '\t') {
+const char* Reader::pastBlanks(const char* at) {
+  while (at != m_end && static_cast<unsigned char>(*at) <= ' ') {
+    if (*at == ' ') {
+      at = endOfSpaces(at, m_end);
+    } else if (*at == '\n') {
+      newLine(at++);
+    } else if (*at == '\r' || *at == '\t') {
+      ++at;
+    } else {
       break;
     }
   }
-  m_at = at;
-  return at != m_end;
+  return at;
 }
 
-bool Reader::token() {
+const char* Reader::token(const char* at) {
   switch (m_next) {
     case Next::element:
-      return *m_at == ']' ? closing(Kind::array) : value();
+      return *at == ']' ? close(at, Kind::array) : value(at);
     case Next::mark:
     case Next::root:
     case Next::value:
-      return value();
+      return value(at);
     case Next::key:
-      if (*m_at == '}') {
-        return closing(Kind::object);
-      }
-      [[fallthrough]];
+      return *at == '}' ? close(at, Kind::object) : member(at);
     case Next::member:
-      return *m_at == '"' ? string(Inside::key) : damageHere("has no name where one should be");
+      return member(at);
     case Next::colon:
-      return colon();
+      return colon(at);
     case Next::separator:
-      return separator();
+      return separator(at);
     default:
-      return damageHere("goes on behind its end");
+      return damage(at, "goes on behind its end");
   }
 }
 
-bool Reader::value() {
-  switch (*m_at) {
+const char* Reader::value(const char* at) {
+  switch (*at) {
     case '"':
-      return string(Inside::text);
+      return string(at, Inside::text);
     case '{':
-      return open(Kind::object);
+      return open(at, Kind::object);
     case '[':
-      return open(Kind::array);
+      return open(at, Kind::array);
     case 't':
       m_rest = "true";
-      return scalar(Inside::literal);
+      return scalar(at, Inside::literal);
     case 'f':
       m_rest = "false";
-      return scalar(Inside::literal);
+      return scalar(at, Inside::literal);
     case 'n':
       m_rest = "null";
-      return scalar(Inside::literal);
+      return scalar(at, Inside::literal);
     default:
-      return *m_at == '-' || (*m_at >= '0' && *m_at <= '9') ? scalar(Inside::number)
-                                                            : damageHere("has no value where one should be");
+      return *at == '-' || (*at >= '0' && *at <= '9') ? scalar(at, Inside::number)
+                                                      : damage(at, "has no value where one should be");
   }
 }
 
-bool Reader::open(Kind kind) {
-  if (m_path.m_depth == kDeepest) {
-    return damageHere("is nested deeper than 10,000");
+/// What stands behind the name as mirel writes it is read at once.
+const char* Reader::member(const char* at) {
+  if (*at != '"') {
+    return damage(at, "has no name where one should be");
+  }
+  at = string(at, Inside::key);
+  return at == nullptr || m_end - at < 3 || at[0] != ':' || at[1] != ' ' || at[2] != '"'
+             ? at
+             : string(at + 2, Inside::text);
+}
+
+const char* Reader::open(const char* at, Kind kind) {
+  if (m_path.depth() == kDeepest) {
+    return damage(at, "is nested deeper than 10,000");
   }
   m_path.valueBegins();
-  const Place here = place(offset(m_at++));
-  const bool goOn = m_sink.open(kind, here);
+  const bool goOn = m_sink.open(kind, place(at));
   m_path.push(kind);
   m_next = kind == Kind::object ? Next::key : Next::element;
-  m_ending.wholeUntil = here.offset + 1;
-  return sinkSays(goOn);
+  m_ending.wholeUntil = offset(at) + 1;
+  return goOn ? at + 1 : stop(at);
 }
 
-bool Reader::closing(Kind kind) {
+const char* Reader::close(const char* at, Kind kind) {
   m_path.pop();
-  const Place here = place(offset(m_at++));
-  const bool goOn = m_sink.close(kind, here);
-  valueEnds(here.offset + 1);
-  return sinkSays(goOn);
+  const bool goOn = m_sink.close(kind, place(at));
+  valueEnds(at + 1);
+  return goOn ? at + 1 : stop(at);
 }
 
-bool Reader::separator() {
+const char* Reader::separator(const char* at) {
   const Kind kind = m_path.m_top->kind;
-  if (*m_at == ',') {
-    ++m_at;
+  if (*at == ',') {
     m_next = kind == Kind::object ? Next::member : Next::value;
-    return true;
+    return at + 1;
   }
-  if (*m_at == (kind == Kind::object ? '}' : ']')) {
-    return closing(kind);
+  if (*at == (kind == Kind::object ? '}' : ']')) {
+    return close(at, kind);
   }
-  return damageHere(kind == Kind::object ? "has neither comma nor brace behind a member"
+  return damage(at, kind == Kind::object ? "has neither comma nor brace behind a member"
                                          : "has neither comma nor bracket behind an element");
 }
 
-bool Reader::colon() {
-  if (*m_at != ':') {
-    return damageHere("has no colon behind a name");
+const char* Reader::colon(const char* at) {
+  if (*at != ':') {
+    return damage(at, "has no colon behind a name");
   }
-  ++m_at;
   m_next = Next::value;
-  return true;
+  return at + 1;
 }
 
-void Reader::valueEnds(std::uint64_t offset) {
+void Reader::valueEnds(const char* behind) {
   m_path.valueEnds();
-  m_ending.wholeUntil = offset;
-  m_next = m_path.m_depth == 0 ? Next::nothing : Next::separator;
+  m_ending.wholeUntil = offset(behind);
+  m_next = m_path.depth() == 0 ? Next::nothing : Next::separator;
 }
 
-bool Reader::sinkSays(bool goOn) {
-  if (!goOn) {
-    end(State::stopped, offset(m_at), "");
-  }
-  return goOn;
+const char* Reader::stop(const char* at) {
+  end(State::stopped, offset(at), "");
+  return nullptr;
 }
 
-bool Reader::damageHere(const char* problem) {
-  return damage(offset(m_at), problem);
-}
-
-bool Reader::damage(std::uint64_t offset, const char* problem) {
+const char* Reader::damage(std::uint64_t offset, const char* problem) {
   end(State::damaged, offset, problem);
-  return false;
+  return nullptr;
 }
 
 void Reader::end(State state, std::uint64_t offset, const char* problem) {
@@ -191,9 +192,9 @@ void Reader::end(State state, std::uint64_t offset, const char* problem) {
 }
 
 Ending Reader::finish() {
-  m_begin = m_at = m_end = nullptr;
-  if (!m_over && m_inside == Inside::number && m_path.m_depth == 0 && isNumber(m_digits)) {
-    tellScalar(m_at, true);
+  m_begin = m_end = nullptr;
+  if (!m_over && m_inside == Inside::number && m_path.depth() == 0 && isNumber(m_digits)) {
+    tellScalar(m_begin, m_begin, true);
   }
   if (!m_over) {
     const bool whole = m_next == Next::nothing && m_inside == Inside::nothing;

@@ -96,43 +96,51 @@ class Reader {
     power,
     done
   };
+
+  // Each takes what stands at its argument and gives where it ends; at the block's end it will go on from
+  // there. Null when nothing further is read.
+  const char* resume(const char* at);
+  const char* pastMark(const char* at);
+  const char* pastBlanks(const char* at);
+  const char* token(const char* at);
+  const char* value(const char* at);
+  const char* member(const char* at);
+  const char* open(const char* at, Kind kind);
+  const char* close(const char* at, Kind kind);
+  const char* separator(const char* at);
+  const char* colon(const char* at);
+  const char* string(const char* at, Inside inside);
+  const char* contents(const char* begin);
+  const char* held(const char* at);
+  const char* scalar(const char* at, Inside inside);
+  const char* literal(const char* begin);
+  const char* number(const char* begin);
+  const char* tellScalar(const char* begin, const char* at, bool ends);
+  const char* damage(std::uint64_t offset, const char* problem);
+  const char* damage(const char* at, const char* problem) { return damage(offset(at), problem); }
+  const char* stop(const char* at);
+
+  bool tellString(const Piece& piece);
+  void valueEnds(const char* behind);
+  void end(State state, std::uint64_t offset, const char* problem);
+  const char* whatIsOpen() const;
   static bool isNumber(Digits digits);
   static Digits withByte(Digits digits, char byte);
 
-  bool resume();
-  bool resumeHeld();
-  bool skipBlanks();
-  bool skipMark();
-  bool token();
-  bool value();
-  bool open(Kind kind);
-  bool closing(Kind kind);
-  bool separator();
-  bool colon();
-  bool string(Inside inside);
-  bool contents();
-  bool tellString(const Piece& piece);
-  bool stringEnds();
-  bool scalar(Inside inside);
-  bool literal();
-  bool number();
-  bool tellScalar(const char* end, bool ends);
-  void valueEnds(std::uint64_t offset);
-  bool sinkSays(bool goOn);
-  bool damage(std::uint64_t offset, const char* problem);
-  bool damageHere(const char* problem);
-  void end(State state, std::uint64_t offset, const char* problem);
-  const char* whatIsOpen() const;
-
+  void newLine(const char* at) {
+    ++m_line;
+    m_lineStart = offset(at) + 1;
+  }
   std::uint64_t offset(const char* at) const { return m_base + static_cast<std::uint64_t>(at - m_begin); }
   Place place(std::uint64_t offset) const { return {offset, m_line, offset - m_lineStart + 1}; }
+  Place place(const char* at) const { return place(offset(at)); }
 
   DocumentSink& m_sink;
   Path m_ownPath;
   Path& m_path;
-  const char *m_begin = nullptr, *m_at = nullptr, *m_end = nullptr;  ///< of the block
-  std::uint64_t m_base = 0;                                          ///< offset of the block
-  std::uint64_t m_line = 1, m_lineStart = 0;                         ///< the line, and its offset
+  const char *m_begin = nullptr, *m_end = nullptr;  ///< of the block
+  std::uint64_t m_base = 0;                         ///< offset of the block
+  std::uint64_t m_line = 1, m_lineStart = 0;        ///< the line, and its offset
   Next m_next = Next::mark;
   Inside m_inside = Inside::nothing;
   bool m_begins = true;  ///< no piece of the string or scalar has been told

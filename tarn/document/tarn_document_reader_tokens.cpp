@@ -10,149 +10,165 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t kLongestUnit = 12;  // a pair of surrogates
+constexpr char kUnknownEscape[] = "has an escape that JSON does not know";
+
+/// A character of UTF-8, or what is none, in the terms of an escape.
+Escape characterAt(std::string_view text) {
+  const bool isUnfinished = unfinishedUtf8(text) == text.size();
+  return {isUnfinished ? Escape::Kind::unfinished : Escape::Kind::known, nextUtf8(text).length, 0};
+}
 
 }  // namespace
 
-bool Reader::string(Inside inside) {
+/// Most strings are plain and in one block.
+const char* Reader::string(const char* at, Inside inside) {
   if (inside == Inside::text) {
     m_path.valueBegins();
   }
-  m_inside = inside;
-  m_begins = true;
-  m_token = place(offset(m_at++));
-  return contents();
+  const Place here = place(at);
+  const char* const begin = at + 1;
+  unsigned char seen = 0;
+  const char* const end = endOfText(begin, m_end, &seen);
+  if (end == m_end || *end != '"') {
+    m_inside = inside;
+    m_begins = true;
+    m_token = here;
+    return contents(begin);
+  }
+  const Piece piece = {
+      {begin, static_cast<std::size_t>(end - begin)}, here.offset + 1, true, true, true, seen < 0x80};
+  bool goOn = false;
+  if (inside == Inside::text) {
+    goOn = m_sink.text(piece, here);
+    valueEnds(end + 1);
+  } else {
+    m_path.keyWhole(piece.raw, piece.ascii);
+    goOn = m_sink.key(piece, here);
+    m_next = Next::colon;
+  }
+  return goOn ? end + 1 : stop(end);
 }
 
-/// Reads a string from anywhere between two of its characters.
-bool Reader::contents() {
-  Piece piece;
-  piece.offset = offset(m_at);
-  const char* at = m_at;
+/// Reads a string on from between two of its characters.
+const char* Reader::contents(const char* begin) {
+  Piece piece = {{}, offset(begin), m_begins, false, true, true};
   unsigned char seen = 0;
-  bool controls = false;
-  const auto until = [&](const char* end) {
-    piece.raw = {m_at, static_cast<std::size_t>(end - m_at)};
-    piece.begins = m_begins;
-    piece.ascii = !controls && seen < 0x80;
-    m_at = end;
-    return piece.raw.empty() && !piece.ends ? true : tellString(piece);
-  };
-  piece.ends = false;
-  for (;; ++at) {
+  const char* problem = nullptr;
+  const char* at = begin;
+  for (; problem == nullptr; ++at) {
     at = endOfText(at, m_end, &seen);
-    const std::string_view rest(at, static_cast<std::size_t>(m_end - at));
-    if (rest.empty() || rest[0] == '"') {
+    if (at == m_end || *at == '"') {
       break;
     }
-    if (rest[0] == '\\') {
-      const Escape escape = escapeAt(rest);
+    if (*at == '\\') {
+      const Escape escape = escapeAt({at, static_cast<std::size_t>(m_end - at)});
       if (escape.kind == Escape::Kind::unfinished) {
-        m_held = rest;
         break;
       }
       if (escape.kind == Escape::Kind::unknown) {
-        return until(at) && damageHere("has an escape that JSON does not know");
+        problem = kUnknownEscape;
+        break;
       }
       piece.plain = false;
       at += escape.length - 1;
-    } else if (rest[0] == '\0') {
-      return until(at) && damageHere("has a NUL byte in a string");
+    } else if (*at == '\0') {
+      problem = "has a NUL byte in a string";
+      break;
     } else {
-      controls = true;
-      if (rest[0] == '\n') {
-        ++m_line;
-        m_lineStart = offset(at) + 1;
+      piece.ascii = false;
+      if (*at == '\n') {
+        newLine(at);
       }
     }
   }
-  if (at != m_end && *at == '"') {
-    piece.ends = true;
-    return until(at) && stringEnds();
-  }
+  const bool isUnfinished = problem == nullptr && (at == m_end || *at != '"');
   if (at == m_end) {
-    at -= unfinishedUtf8({m_at, static_cast<std::size_t>(at - m_at)});
+    at -= unfinishedUtf8({begin, static_cast<std::size_t>(at - begin)});
+  }
+  piece.raw = {begin, static_cast<std::size_t>(at - begin)};
+  piece.ends = problem == nullptr && !isUnfinished;
+  piece.ascii = piece.ascii && seen < 0x80;
+  if (!tellString(piece)) {
+    return stop(at);
+  }
+  if (problem != nullptr) {
+    return damage(at, problem);
+  }
+  if (isUnfinished) {
     m_held.assign(at, m_end);
-  }
-  const bool goOn = until(at);
-  m_at = m_end;
-  return goOn;
-}
-
-/// Goes on with a string whose last block ended within an escape or a character.
-bool Reader::resumeHeld() {
-  const std::size_t had = m_held.size();
-  m_held.append(m_at, std::min<std::size_t>(kLongestUnit, static_cast<std::size_t>(m_end - m_at)));
-  std::size_t done = 0;
-  bool known = true;
-  bool plain = true;
-  while (done < had && known) {
-    const std::string_view rest = std::string_view(m_held).substr(done);
-    const bool isEscape = rest[0] == '\\';
-    const Escape escape = isEscape ? escapeAt(rest) : Escape{};
-    if (isEscape ? escape.kind == Escape::Kind::unfinished : unfinishedUtf8(rest) == rest.size()) {
-      break;
-    }
-    known = escape.kind == Escape::Kind::known;
-    plain = plain && !isEscape;
-    done += !known ? 0 : isEscape ? escape.length : nextUtf8(rest).length;
-  }
-  const Piece piece = {
-      std::string_view(m_held).substr(0, done), m_base - had, m_begins, false, plain, !plain};
-  const bool goOn = done == 0 || tellString(piece);
-  if (!known) {
-    return goOn && damage(m_base - had + done, "has an escape that JSON does not know");
-  }
-  const bool isOver = done >= had;
-  m_at = isOver ? m_at + (done - had) : m_end;
-  m_held.erase(0, isOver ? m_held.size() : done);
-  return goOn && (!isOver || contents());
-}
-
-bool Reader::tellString(const Piece& piece) {
-  m_begins = false;
-  if (m_inside == Inside::text) {
-    return sinkSays(m_sink.text(piece, m_token));
-  }
-  const bool clean = piece.plain && piece.ascii;
-  if (piece.begins && piece.ends) {
-    m_path.keyWhole(piece.raw, clean);
-  } else {
-    m_path.keyPart(piece.raw, clean, piece.begins);
-    if (piece.ends) {
-      m_path.keyEnds();
-    }
-  }
-  return sinkSays(m_sink.key(piece, m_token));
-}
-
-bool Reader::stringEnds() {
-  ++m_at;
-  if (m_inside == Inside::text) {
-    valueEnds(offset(m_at));
-  } else {
-    m_next = Next::colon;
+    return m_end;
   }
   m_inside = Inside::nothing;
-  return true;
+  return at + 1;
 }
 
-bool Reader::scalar(Inside inside) {
+/// Goes on with a string whose last block may have ended within an escape or a character.
+const char* Reader::held(const char* at) {
+  const std::size_t had = m_held.size();
+  m_held.append(at, std::min<std::size_t>(kLongestUnit, static_cast<std::size_t>(m_end - at)));
+  std::size_t done = 0;
+  Escape::Kind kind = Escape::Kind::known;
+  bool plain = true;
+  while (done < had) {
+    const std::string_view rest = std::string_view(m_held).substr(done);
+    const bool isEscape = rest[0] == '\\';
+    const Escape escape = isEscape ? escapeAt(rest) : characterAt(rest);
+    kind = escape.kind;
+    if (kind != Escape::Kind::known) {
+      break;
+    }
+    plain = plain && !isEscape;
+    done += escape.length;
+  }
+  if (!tellString({std::string_view(m_held).substr(0, done), m_base - had, m_begins, false, plain, !plain})) {
+    return stop(at);
+  }
+  if (kind == Escape::Kind::unknown) {
+    return damage(m_base - had + done, kUnknownEscape);
+  }
+  m_held.erase(0, done < had ? done : m_held.size());
+  return done < had ? m_end : contents(at + (done - had));
+}
+
+/// Nothing is told of a part without bytes that does not end the string.
+bool Reader::tellString(const Piece& piece) {
+  if (piece.raw.empty() && !piece.ends) {
+    return true;
+  }
+  m_begins = false;
+  if (m_inside == Inside::text) {
+    const bool goOn = m_sink.text(piece, m_token);
+    if (piece.ends) {
+      valueEnds(m_begin + (piece.offset + piece.raw.size() + 1 - m_base));
+    }
+    return goOn;
+  }
+  m_path.keyPart(piece.raw, piece.plain && piece.ascii, piece.begins);
+  if (piece.ends) {
+    m_path.keyEnds();
+    m_next = Next::colon;
+  }
+  return m_sink.key(piece, m_token);
+}
+
+const char* Reader::scalar(const char* at, Inside inside) {
   m_path.valueBegins();
   m_inside = inside;
   m_begins = true;
   m_digits = Digits::start;
-  m_token = place(offset(m_at));
-  return inside == Inside::literal ? literal() : number();
+  m_token = place(at);
+  return inside == Inside::literal ? literal(at) : number(at);
 }
 
-bool Reader::literal() {
-  const char* at = m_at;
+const char* Reader::literal(const char* begin) {
+  const char* at = begin;
   for (; at != m_end && *m_rest != '\0'; ++at, ++m_rest) {
     if (*at != *m_rest) {
-      return tellScalar(at, false) && damageHere("has a word that JSON does not know");
+      return tellScalar(begin, at, false) == nullptr ? nullptr
+                                                     : damage(at, "has a word that JSON does not know");
     }
   }
-  return tellScalar(at, *m_rest == '\0');
+  return tellScalar(begin, at, *m_rest == '\0');
 }
 
 bool Reader::isNumber(Digits digits) {
@@ -193,32 +209,28 @@ Reader::Digits Reader::withByte(Digits digits, char byte) {
   }
 }
 
-bool Reader::number() {
-  const char* at = m_at;
-  for (; at != m_end; ++at) {
+const char* Reader::number(const char* begin) {
+  for (const char* at = begin; at != m_end; ++at) {
     const Digits with = withByte(m_digits, *at);
     if (with == Digits::done) {
-      return isNumber(m_digits) ? tellScalar(at, true)
-                                : tellScalar(at, false) && damageHere("has a number that lacks a digit");
+      const bool ends = isNumber(m_digits);
+      const char* const told = tellScalar(begin, at, ends);
+      return told == nullptr || ends ? told : damage(at, "has a number that lacks a digit");
     }
     m_digits = with;
   }
-  return tellScalar(at, false);
+  return tellScalar(begin, m_end, false);
 }
 
-bool Reader::tellScalar(const char* end, bool ends) {
-  const Piece piece = {{m_at, static_cast<std::size_t>(end - m_at)}, offset(m_at), m_begins, ends};
-  m_at = end;
-  if (piece.raw.empty() && !ends) {
-    return true;
-  }
-  m_begins = false;
-  const bool goOn = m_sink.scalar(piece, m_token);
+const char* Reader::tellScalar(const char* begin, const char* at, bool ends) {
+  const Piece piece = {{begin, static_cast<std::size_t>(at - begin)}, offset(begin), m_begins, ends};
+  const bool goOn = (piece.raw.empty() && !ends) || m_sink.scalar(piece, m_token);
+  m_begins = m_begins && piece.raw.empty();
   if (ends) {
-    valueEnds(offset(m_at));
+    valueEnds(at);
     m_inside = Inside::nothing;
   }
-  return sinkSays(goOn);
+  return goOn ? at : stop(at);
 }
 
 }  // namespace tarn
