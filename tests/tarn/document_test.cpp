@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <random>
 #include <regex>
 #include <sstream>
 
@@ -10,6 +11,7 @@
 #include "tarn/document/tarn_document_utf8.h"
 #include "tests/cases.h"
 #include "tests/tarn/session.h"
+#include "tests/unit/values.h"
 
 using namespace tarn;
 
@@ -135,4 +137,82 @@ std::string strict(const Arguments& words) {
 
 TEST(Document, ReadsAsItsTableSays) {
   expectCases(MIREL_TARN "/documents.txt", {{"read", events}, {"pointers", pointersOf}, {"strict", strict}});
+}
+
+namespace {
+
+/// A tree of texts of any bytes but NUL, half of them short of the characters that count.
+class RandomTree {
+ public:
+  explicit RandomTree(unsigned int seed) : m_random(seed) {}
+
+  std::unique_ptr<Value> value(int depth) {
+    if (m_random() % 8 < 3U + static_cast<unsigned int>(depth))
+      return std::make_unique<PrimitiveValue>(text());
+    if (m_random() % 3 == 0) {
+      auto elements = std::make_unique<ArrayValue>();
+      for (auto count = m_random() % 4; count > 0; --count)
+        elements->push_back(value(depth + 1).release());
+      return elements;
+    }
+    auto members = std::make_unique<ObjectValue>("");
+    for (auto count = m_random() % 5; count > 0; --count)
+      members->addValue(new KeyValuePair(text(), value(depth + 1).release()));
+    return members;
+  }
+
+ private:
+  mirel_string text() {
+    const std::string_view some =
+        m_random() % 2 == 0 ? "\\\\nrut\"\"\n\r/\b\xC3\xA9{}[]:, " : "abc\xE2\x82\xAC\xF0";
+    std::string bytes;
+    for (auto length = m_random() % 40; length > 0; --length)
+      bytes += m_random() % 9 == 0 ? static_cast<char>(m_random() % 255 + 1) : some[m_random() % some.size()];
+    return {bytes.data(), bytes.size()};
+  }
+
+  std::mt19937 m_random;
+};
+
+/// As `compact` shows the tree that it was written from.
+std::string shownTree(const Tree& tree, const Node& node) {
+  const bool isObject = node.kind == NodeKind::object;
+  std::string all;
+  if (node.kind == NodeKind::text)
+    return '"' + std::string(node.text) + '"';
+  for (const Node& child : tree.children(node)) {
+    all += all.empty() ? "" : ", ";
+    all += (isObject ? '"' + std::string(child.key) + "\": " : "") + shownTree(tree, child);
+  }
+  return (isObject ? '{' : '[') + all + (isObject ? '}' : ']');
+}
+
+}  // namespace
+
+TEST(Document, ReadsBackWhatMirelWrites) {
+  for (unsigned int seed = 0; seed < 200; ++seed) {
+    const std::unique_ptr<Value> written = RandomTree(seed).value(0);
+    const std::string document = written->stringify(0).c_str();
+    const Tree tree(document);
+    ASSERT_EQ(compact(written.get()), shownTree(tree, tree.root())) << document;
+  }
+}
+
+// Ended at any byte: everything before is told, and what is whole of it closes to a document.
+TEST(Document, IsCutAtEveryByte) {
+  for (unsigned int seed = 0; seed < 20; ++seed) {
+    const std::string document = RandomTree(seed).value(-1)->stringify(0).c_str();
+    const Reading whole(document);
+    for (std::size_t length = 1; length < document.size(); ++length) {
+      const std::string begun = document.substr(0, length);
+      const Reading cut(begun);
+      const std::string events = cut.recorder.events.substr(0, cut.recorder.events.find("…"));
+      ASSERT_EQ(State::cut, cut.ending.state) << begun;
+      EXPECT_EQ(length, cut.ending.place.offset);
+      EXPECT_TRUE(whole.recorder.events.starts_with(events)) << begun;
+      const Reading mended(begun.substr(0, cut.ending.wholeUntil) + cut.ending.closers);
+      EXPECT_TRUE(mended.ending.state == State::whole || cut.ending.wholeUntil == 0) << begun;
+      EXPECT_TRUE(cut.recorder.pointers.starts_with(mended.recorder.pointers)) << begun;
+    }
+  }
 }
