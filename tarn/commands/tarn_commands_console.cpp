@@ -64,6 +64,10 @@ void Console::line(const Shown& text) {
 }
 
 void Console::bytes(std::string_view exact) {
+  if (exact.size() >= kKeptAtMost) {
+    flush();
+    return deliver(exact);
+  }
   m_kept += exact;
   if (m_kept.size() >= kKeptAtMost) {
     flush();
@@ -130,13 +134,15 @@ std::size_t Console::width() const {
 }
 
 void Console::flush() {
-  if (m_kept.empty()) {
-    return;
+  if (!m_kept.empty()) {
+    deliver(m_kept);
+    m_kept.clear();
   }
+}
+
+void Console::deliver(std::string_view bytes) {
   hideProgress();
-  const bool written = m_lost || writeAll(m_output, m_kept);
-  m_kept.clear();
-  if (!written) {
+  if (!m_lost && !writeAll(m_output, bytes)) {
     m_lost = true;
     trouble("standard output", shown(strerror(errno)));
   }

@@ -48,6 +48,7 @@ class Console {
 
  private:
   void tell(const Shown& text);
+  void deliver(std::string_view bytes);
   void hideProgress();
 
   int m_input, m_output, m_error;

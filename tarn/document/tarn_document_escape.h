@@ -10,22 +10,32 @@
 
 namespace tarn {
 
-/// Where the run of ordinary bytes ends: before a quote, a backslash, a byte below 0x20, and at most at
-/// `end`. The highest bit of `seen` is set when one of the bytes looked at is above 0x7F; with others from
-/// further on it may be set, too.
+/// Where the run of ordinary bytes ends: before a quote, a backslash, a byte below 0x20, and at most at `end`.
+/// The highest bit of `seen` is set when one of the bytes looked at is above 0x7F; it may be set, too, for one
+/// that stands a little further on.
 inline const char* endOfText(const char* text, const char* end, unsigned char* seen) {
+  using Sixteen __attribute__((vector_size(16))) = unsigned char;
+  struct Halves {
+    eight::Eight first, second;
+  };
   eight::Eight all = 0;
-  for (; end - text >= 8; text += 8) {
-    const eight::Eight bytes = eight::load(text);
-    all |= bytes;
-    const eight::Eight special =
-        eight::marks(bytes, '"') | eight::marks(bytes, '\\') | eight::marksBelow(bytes, 0x20);
-    if (special != 0) {
-      *seen = static_cast<unsigned char>(*seen | ((all & eight::kHighest) != 0 ? 0x80 : 0));
-      return text + eight::before(special);
+  eight::Eight special = 0;
+  for (; end - text >= 16; text += 16) {
+    Sixteen bytes;
+    memcpy(&bytes, text, sizeof bytes);
+    const auto found = std::bit_cast<Halves>((bytes == '"') | (bytes == '\\') | (bytes < 0x20));
+    const auto halves = std::bit_cast<Halves>(bytes);
+    all |= halves.first | halves.second;
+    if ((found.first | found.second) != 0) {
+      text += found.first != 0 ? 0 : 8;
+      special = found.first != 0 ? found.first : found.second;
+      break;
     }
   }
   *seen = static_cast<unsigned char>(*seen | ((all & eight::kHighest) != 0 ? 0x80 : 0));
+  if (special != 0) {
+    return text + eight::before(special);
+  }
   for (; text != end; ++text) {
     const auto byte = static_cast<unsigned char>(*text);
     if (byte < 0x20 || byte == '"' || byte == '\\') {
