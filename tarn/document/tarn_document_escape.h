@@ -10,9 +10,9 @@
 
 namespace tarn {
 
-/// Where the run of ordinary bytes ends: before a quote, a backslash, a byte below 0x20, and at most at `end`.
-/// The highest bit of `seen` is set when one of the bytes looked at is above 0x7F; it may be set, too, for one
-/// that stands a little further on.
+/// Where the run of ordinary bytes ends: before a quote, a backslash, a byte below 0x20, and at most at
+/// `end`. The highest bit of `seen` is set when one of the bytes looked at is above 0x7F; it may be set, too,
+/// for one that stands a little further on.
 inline const char* endOfText(const char* text, const char* end, unsigned char* seen) {
   using Sixteen __attribute__((vector_size(16))) = unsigned char;
   struct Halves {
