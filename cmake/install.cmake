@@ -1,5 +1,7 @@
-# What "cmake --install" puts where. The paths follow GNUInstallDirs.
+# What "cmake --install" puts where. The paths follow GNUInstallDirs. Each program is a component, and a package of
+# its own.
 include(GNUInstallDirs)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME mirel)
 
 install(TARGETS mirel)
 install(FILES docs/mirel.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
@@ -17,9 +19,19 @@ install(PROGRAMS catalog/instance/bin/kato catalog/instance/bin/katolevel catalo
 install(PROGRAMS catalog/postgresql/instance/create DESTINATION ${catalogs}/postgresql/instance)
 
 install(FILES CHANGELOG.md LICENSE README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md"
+  PATTERN facts.md EXCLUDE)
 set(examples ${CMAKE_INSTALL_DOCDIR}/examples)
 install(DIRECTORY deploy/collection-server deploy/systemd DESTINATION ${examples})
 install(FILES sample/schema.sql sample/data.sql DESTINATION ${examples}/sample)
 install(PROGRAMS sample/create DESTINATION ${examples}/sample)
 install(PROGRAMS sample/bin/kato sample/bin/katolevel sample/bin/katoset DESTINATION ${examples}/sample/bin)
+
+if(TARGET tarn)
+  set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tarn)
+  set(documents ${CMAKE_INSTALL_DATADIR}/doc/tarn)
+  install(TARGETS tarn)
+  install(FILES ${CMAKE_BINARY_DIR}/tarn.dir/tarn.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES ${CMAKE_BINARY_DIR}/tarn.dir/completion/tarn DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES CHANGELOG.md LICENSE docs/facts.md DESTINATION ${documents})
+endif()

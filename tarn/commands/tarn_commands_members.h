@@ -23,15 +23,22 @@ struct Member {
   void (*write)(const Record&, JsonText&);
 };
 
-/// One object, and a line feed.
+/// One object, and a line feed; in parts, when it is large.
 template <class Record, std::size_t size>
-std::string asJsonLine(const Member<Record> (&members)[size], const Record& record) {
-  JsonText json;
+void writeJsonLine(const Member<Record> (&members)[size], const Record& record, const JsonText::Take& take) {
+  JsonText json(take);
   json.object();
   for (const Member<Record>& member : members) {
     member.write(record, json.key(member.name));
   }
-  return json.end().text() + "\n";
+  take(json.end().text() + "\n");
+}
+
+template <class Record, std::size_t size>
+std::string asJsonLine(const Member<Record> (&members)[size], const Record& record) {
+  std::string line;
+  writeJsonLine(members, record, [&line](std::string_view part) { line += part; });
+  return line;
 }
 
 template <class Record, std::size_t size>

@@ -54,7 +54,7 @@ std::optional<Ending> readAll(Console& console, const std::string& file, Source&
   return source.problem() ? std::nullopt : std::optional(reader.finish());
 }
 
-std::optional<Tree> readTree(Console& console, const std::string& file) {
+std::optional<std::string> readText(Console& console, const std::string& file) {
   Source source;
   if (!openSource(console, file, Source::Passes::one, source)) {
     return std::nullopt;
@@ -65,7 +65,12 @@ std::optional<Tree> readTree(Console& console, const std::string& file) {
        block = nextBlock(console, file, source)) {
     bytes += block;
   }
-  return source.problem() ? std::nullopt : std::optional<Tree>(std::in_place, std::move(bytes));
+  return source.problem() ? std::nullopt : std::optional(std::move(bytes));
+}
+
+std::optional<Tree> readTree(Console& console, const std::string& file) {
+  std::optional<std::string> bytes = readText(console, file);
+  return bytes ? std::optional<Tree>(std::in_place, *std::move(bytes)) : std::nullopt;
 }
 
 Shown troubleOf(const Ending& ending) {

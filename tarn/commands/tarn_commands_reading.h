@@ -22,6 +22,9 @@ std::string_view nextBlock(Console& console, const std::string& file, Source& so
 /// Reads the source through the reader to its end. Nothing when reading failed; the console was told.
 std::optional<Ending> readAll(Console& console, const std::string& file, Source& source, Reader& reader);
 
+/// The bytes of a whole file. Nothing when it cannot be read; the console was told.
+std::optional<std::string> readText(Console& console, const std::string& file);
+
 /// A whole document in memory. Nothing when it cannot be read; the console was told. A document that is not
 /// whole is no trouble here: the tree's ending tells.
 std::optional<Tree> readTree(Console& console, const std::string& file);

@@ -5,13 +5,23 @@ namespace tarn {
 Command diffCommand();
 Command redactCommand();
 Command restoreCommand();
+Command showCommand();
+Command statusCommand();
 Command strictCommand();
 Command templateCommand();
 
 const std::vector<Command>& commands() {
+  // clang-format off
   static const std::vector<Command> all = {
-      strictCommand(), diffCommand(), redactCommand(), restoreCommand(), templateCommand(),
+      strictCommand(),
+      statusCommand(),
+      showCommand(),
+      diffCommand(),
+      redactCommand(),
+      restoreCommand(),
+      templateCommand(),
   };
+  // clang-format on
   return all;
 }
 

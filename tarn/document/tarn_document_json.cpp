@@ -13,6 +13,8 @@ namespace tarn {
 
 namespace {
 
+constexpr std::size_t kPartAtLeast = 64 << 10;
+
 /// What stands for a byte below 0x20, for the quote and for the backslash.
 void appendEscape(char byte, std::string& out) {
   constexpr std::string_view kNamed = "\b\t\n\f\r\"\\";
@@ -93,6 +95,10 @@ void appendJsonString(std::string_view text, std::string& out) {
 }
 
 void JsonText::separate() {
+  if (m_take && m_text.size() > kPartAtLeast) {
+    m_take(m_text);
+    m_text.clear();
+  }
   if (!m_first) {
     m_text += ", ";
   }

@@ -2,6 +2,7 @@
 /// Writes strict JSON (RFC 8259) for `--json` and for pages: valid UTF-8 whatever comes in.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,12 @@ bool isStrict(std::string_view raw);
 ///     console.bytes(json.text() + "\n");
 class JsonText {
  public:
+  using Take = std::function<void(std::string_view part)>;
+
+  JsonText() = default;
+  /// Hands out parts when they are large enough, so that long arrays cost no memory; `text` is the rest.
+  explicit JsonText(Take take) : m_take(std::move(take)) {}
+
   JsonText& object() { return open('{'); }
   JsonText& array() { return open('['); }
   /// Ends the innermost object or array.
@@ -58,6 +65,7 @@ class JsonText {
   JsonText& open(char bracket);
   void separate();
 
+  Take m_take;
   std::string m_text, m_open;  ///< `m_open`: the brackets that are still to come
   bool m_first = true;         ///< nothing stands yet in the innermost container, or behind a key
 };

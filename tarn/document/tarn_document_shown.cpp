@@ -81,6 +81,30 @@ Shown shownLines(std::string_view foreign) {
   return result;
 }
 
+Shown fitted(const Shown& text, std::size_t width) {
+  const std::string_view all = text.m_text;
+  std::size_t taken = 0;
+  std::size_t end = 0;  // of what fits with the sign behind it
+  for (std::size_t at = 0; at < all.size();) {
+    const std::size_t length = nextUtf8(all.substr(at)).length;
+    taken += columns(all.substr(at, length));
+    if (taken > width) {
+      Shown cut;
+      cut.m_text.append(all.substr(0, end)).append("…");
+      return cut;
+    }
+    at += length;
+    end = taken < width ? at : end;
+  }
+  return text;
+}
+
+Shown blanks(std::size_t count) {
+  Shown result;
+  result.m_text.assign(count, ' ');
+  return result;
+}
+
 std::size_t columns(std::string_view text) {
   std::size_t count = 0;
   while (!text.empty()) {

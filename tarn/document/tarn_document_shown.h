@@ -35,6 +35,8 @@ class Shown {
  private:
   friend Shown shown(std::string_view foreign);
   friend Shown shownLines(std::string_view foreign);
+  friend Shown fitted(const Shown& text, std::size_t width);
+  friend Shown blanks(std::size_t count);
   template <class... Parts>
   friend Shown say(fmt::format_string<const Parts&...> format, const Parts&... parts);
 
@@ -45,6 +47,12 @@ class Shown {
 Shown shown(std::string_view foreign);
 /// Foreign text that may go over several lines: line feeds stay, and a tab is a blank.
 Shown shownLines(std::string_view foreign);
+
+/// The text if it is not wider than that many columns, else its beginning with "…" behind it.
+Shown fitted(const Shown& text, std::size_t width);
+
+/// That many blanks.
+Shown blanks(std::size_t count);
 
 /// Puts a text together by a format of ours (fmt). Parts are `Shown` or numbers.
 template <class... Parts>

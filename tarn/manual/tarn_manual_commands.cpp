@@ -11,14 +11,15 @@ namespace tarn {
 
 namespace {
 
-std::string argumentOf(const CLI::Option& option) {
-  const std::string word = " Ar " + roffWord(option.get_type_name());
-  return option.get_expected_max() > 1 ? word + " ..." : word;
+/// `Ar FILE ...`
+std::string argument(const std::string& type, bool several) {
+  return "Ar " + roffWord(type) + (several ? " ..." : "");
 }
 
 /// `.Op Ar FILE ...`, or without brackets where the argument has to be there.
 std::string useOf(const CLI::Option& positional) {
-  return positional.get_required() ? "." + argumentOf(positional).substr(1) : ".Op" + argumentOf(positional);
+  const std::string word = argument(positional.get_name(true), positional.get_expected_max() > 1);
+  return (positional.get_required() ? "." : ".Op ") + word;
 }
 
 /// `Fl o , Fl -output Ar FILE`
@@ -27,7 +28,8 @@ std::string namesOf(const CLI::Option& option) {
   for (const std::string& name : spellingsOf(option)) {
     names += fmt::format("{}Fl {}", names.empty() ? "" : " , ", roffWord(name.substr(1)));
   }
-  return takesValue(option) ? names + argumentOf(option) : names;
+  const bool several = option.get_expected_max() > 1 && option.get_allow_extra_args();
+  return takesValue(option) ? names + " " + argument(option.get_type_name(), several) : names;
 }
 
 void appendUse(const CLI::App& parser, const std::string& name, std::string& out) {

@@ -1,4 +1,4 @@
-"""The Debian package: the same from any folder, sound for lintian, whole when installed, gone when removed."""
+"""The Debian packages: the same from any folder, sound for lintian, whole when installed, gone when removed."""
 import os
 import re
 import subprocess
@@ -26,7 +26,7 @@ def run(*command, **options):
 
 @pytest.fixture(scope="module")
 def packages(tmp_path_factory):
-    """Two packages. Folder, umask, a file's time, time zone, and the file system of the packing differ."""
+    """Both packages by name, made twice. Folder, umask, a file's time, time zone, and the file system of the packing differ."""
     folder = tmp_path_factory.mktemp("package")
     with TemporaryDirectory(dir="/dev/shm") as memory:
         variants = [(folder / "a", folder, "2001-01-01", 0o022, "UTC"),
@@ -34,38 +34,43 @@ def packages(tmp_path_factory):
         builds = [subprocess.Popen(["sh", "-c", BUILD, ROOT, *places], umask=umask, env={"PATH": PATH, "TZ": zone})
                   for *places, umask, zone in variants]
         assert [build.wait() for build in builds] == [0, 0]
-        yield [next(target.glob("*.deb")) for _, target, *_ in variants]
+        yield [{deb.name.split("_")[0]: deb for deb in target.glob("*.deb")} for _, target, *_ in variants]
 
 
 @pytest.fixture(scope="module")
 def root(packages, tmp_path_factory):
-    """A scratch root with the package installed. Removing the package has to leave nothing."""
+    """A scratch root with the packages installed. Removing them has to leave nothing."""
     folder = tmp_path_factory.mktemp("root")
     for part in ("info", "updates", "triggers"):
         (folder / "var/lib/dpkg" / part).mkdir(parents=True)
     (folder / "var/lib/dpkg/status").touch()
     dpkg = ("dpkg", f"--root={folder}", "--log=/dev/null", "--path-include=/usr/*", "--force-depends")
-    run(*dpkg, "--install", packages[0], env={"PATH": PATH})
+    run(*dpkg, "--install", *packages[0].values(), env={"PATH": PATH})
     yield folder
-    run(*dpkg, "--purge", "mirel", env={"PATH": PATH})
+    run(*dpkg, "--purge", "mirel", "tarn", env={"PATH": PATH})
     assert os.listdir(folder) == ["var"]
 
 
-def test_packages_are_the_same_and_sound(packages):
-    assert packages[0].read_bytes() == packages[1].read_bytes()
-    depends = run("dpkg-deb", "-f", packages[0], "Depends")
+@pytest.mark.parametrize("name", ["mirel", "tarn"])
+def test_packages_are_the_same_and_sound(packages, name):
+    assert packages[0][name].read_bytes() == packages[1][name].read_bytes()
+    run("lintian", "--fail-on=error,warning", "--suppress-tags=initial-upload-closes-no-bugs", packages[0][name])
+
+
+def test_the_collector_needs_nothing_but_its_language(packages):
+    depends = run("dpkg-deb", "-f", packages[0]["mirel"], "Depends")
     assert {"libc6"} <= set(re.findall(r"(\S+) \(", depends)) <= {"libc6", "libgcc-s1", "libstdc++6"}
-    run("lintian", "--fail-on=error,warning", "--suppress-tags=initial-upload-closes-no-bugs", packages[0])
 
 
-def test_installed_program_collects_from_the_installed_sample(root, tmp_path):
+def test_installed_programs_collect_from_the_installed_sample_and_read(root, tmp_path):
     run(root / EXAMPLES / "sample/create", tmp_path, root / "usr/lib/mirel")
     text = run("bash", "-c", '. "$0/env" && "$1" -z -d SAMPLE', tmp_path, root / "usr/bin/mirel")
     assert dict(dict(members(text))["databaseInfo"][0])["numberOfTables"].isdigit()
+    assert re.match(r"whole +\d+ of  82 answered  SAMPLE ", run(root / "usr/bin/tarn", "status", input=text))
 
 
 def test_installed_texts_name_what_is_installed(root):
-    for document in (root / "usr/share/doc/mirel").rglob("*.md"):
+    for document in (root / "usr/share/doc").rglob("*.md"):
         text = document.read_text()
         links = re.findall(r"\]\((?!https?:)([^)#]+)\)", text)
         paths = re.findall(r"(?<![\w/~$])/usr/(?:lib|share)/[\w./-]*mirel[\w./-]*[\w/]", text)

@@ -1,0 +1,83 @@
+#include "tarn/show/tarn_show_lines.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "tarn/commands/tarn_commands_console.h"
+
+namespace tarn {
+
+namespace {
+
+constexpr std::size_t kGap = 2;
+constexpr std::size_t kWordsAtMost = 100;  // wider lines are hard to read
+constexpr std::size_t kWidthAtLeast = 20;  // behind an indent, however deep
+
+Shown styled(bool on, const Shown& begin, const Shown& text) {
+  return on ? begin + text + "\x1b[0m" : text;
+}
+
+}  // namespace
+
+std::size_t Lines::most(std::size_t count, std::size_t most) {
+  return m_look.all ? count : std::min(count, most);
+}
+
+std::size_t Lines::widthBehind(std::size_t indent) const {
+  if (m_look.all) {
+    return std::numeric_limits<std::size_t>::max();
+  }
+  return std::max(m_look.width, indent + kWidthAtLeast) - indent;
+}
+
+void Lines::line(std::size_t indent, const Shown& text) {
+  const Shown fits = fitted(text, widthBehind(indent));
+  m_hasCut = m_hasCut || fits.text().size() != text.text().size();
+  m_console.line(text.text().empty() ? Shown() : blanks(indent) + fits);
+  ++m_count;
+  m_isGap = false;
+}
+
+void Lines::words(std::size_t indent, const Shown& text) {
+  const std::size_t width = std::min(widthBehind(indent), kWordsAtMost);
+  Shown words;
+  for (std::string_view rest = text.text(); !rest.empty();) {
+    const std::size_t end = std::min(rest.find(' '), rest.size());
+    const Shown word = shown(rest.substr(0, end));
+    if (!words.text().empty() && columns(words.text()) + 1 + columns(word.text()) > width) {
+      line(indent, words);
+      words = {};
+    }
+    words += words.text().empty() ? word : " " + word;
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  line(indent, words);
+}
+
+void Lines::gap() {
+  if (!m_isGap) {
+    m_console.line({});
+  }
+  m_isGap = true;
+}
+
+void Lines::heading(std::size_t indent, const Shown& title, const Shown& where) {
+  const std::size_t width = widthBehind(indent);
+  const Shown head = fitted(title, width);
+  Shown line = blanks(indent) + styled(m_look.styled, "\x1b[1m", head);
+  if (const std::size_t taken = columns(head.text()) + kGap; !where.text().empty() && taken < width) {
+    line += blanks(kGap) + styled(m_look.styled, "\x1b[2m", fitted(where, width - taken));
+  }
+  m_console.line(line);
+  ++m_count;
+  m_isGap = false;
+}
+
+void Lines::rest(std::size_t indent, std::size_t count, const Shown& what) {
+  if (count > 0) {
+    line(indent, say("… {} more {}", count, what));
+    m_hasCut = true;
+  }
+}
+
+}  // namespace tarn

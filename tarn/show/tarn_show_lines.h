@@ -1,0 +1,51 @@
+#pragma once
+/// Where what is shown goes: lines of the terminal's width, with bold and dim words on a terminal.
+
+#include <string>
+
+#include "tarn/document/tarn_document_shown.h"
+
+namespace tarn {
+
+class Console;
+
+/// `all`: nothing is cut, neither lines nor lists.
+struct Look {
+  std::size_t width = 80;
+  bool all = false;
+  bool styled = false;
+};
+
+class Lines {
+ public:
+  Lines(Console& console, const Look& look) : m_console(console), m_look(look) {}
+
+  const Look& look() const { return m_look; }
+  /// How many of `count` are shown, where more than `most` are too many for a page.
+  std::size_t most(std::size_t count, std::size_t most);
+  /// Columns behind an indent.
+  std::size_t widthBehind(std::size_t indent) const;
+
+  void line(std::size_t indent, const Shown& text);
+  /// Words, on as many lines as they need.
+  void words(std::size_t indent, const Shown& text);
+  /// An empty line; several of them are one.
+  void gap();
+  /// A title, and behind it where it stands.
+  void heading(std::size_t indent, const Shown& title, const Shown& where);
+  /// What was left out: "… 12 more rows".
+  void rest(std::size_t indent, std::size_t count, const Shown& what);
+
+  /// How many lines there are so far, but for empty ones.
+  std::size_t count() const { return m_count; }
+  /// Whether something was left out.
+  bool hasCut() const { return m_hasCut; }
+
+ private:
+  Console& m_console;
+  Look m_look;
+  std::size_t m_count = 0;
+  bool m_hasCut = false, m_isGap = true;
+};
+
+}  // namespace tarn

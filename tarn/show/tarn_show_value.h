@@ -1,0 +1,28 @@
+#pragma once
+/// How single values look: sizes in units that say something, parts of a whole as bars.
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "tarn/document/tarn_document_shown.h"
+#include "tarn/facts/tarn_facts_table.h"
+
+namespace tarn {
+
+/// A text of nothing but up to 18 digits; nothing for any other.
+std::optional<std::uint64_t> numberOf(std::string_view text);
+
+/// Without the blanks and line feeds at its end, as commands print them.
+std::string_view withoutEnd(std::string_view text);
+
+/// "23.5 GiB (25276514304)", "2700 MHz"; other texts on one line as they are.
+Shown valueOf(std::string_view text, Unit unit);
+
+/// A bar of `width` columns for a part of a whole; a part of more than all fills it.
+Shown barOf(double part, std::size_t width);
+
+/// "90 %"
+Shown percentOf(double part);
+
+}  // namespace tarn
