@@ -25,6 +25,8 @@ char coverOf(std::string_view escape) {
       return ' ';
     case 'u':
       return strtoul(std::string(escape.substr(2)).c_str(), nullptr, 16) < 0x80 ? ' ' : '\x80';
+    case '"':
+      return '\'';
     case '\0':
       return '\\';
     default:

@@ -28,16 +28,18 @@ std::string lettersOf(unsigned form) {
   return letters;
 }
 
-const RE2& wordPseudonymPattern() {
-  static const RE2 pattern(
-      R"((?i)redacted-(?:(host|user|customer|secret)-)?([0-9]{1,9})[a-z]*(?:@mail\.invalid)?)", RE2::Latin1);
-  return pattern;
-}
-
 }  // namespace
 
+std::size_t wordPseudonymAt(std::string_view text) {
+  static const RE2 pattern(
+      R"((?i)redacted-(?:(?:host|user|customer|secret)-[0-9]{1,9}[a-z]*|[0-9]{1,9}[a-z]*@mail\.invalid))",
+      RE2::Latin1);
+  re2::StringPiece rest(text.data(), text.size());
+  return RE2::Consume(&rest, pattern) ? text.size() - rest.size() : 0;
+}
+
 bool isWordPseudonym(std::string_view word) {
-  return RE2::FullMatch(re2::StringPiece(word.data(), word.size()), wordPseudonymPattern());
+  return !word.empty() && wordPseudonymAt(word) == word.size();
 }
 
 bool RedactMap::add(RedactKind kind, std::string original, std::string pseudonym) {
@@ -109,9 +111,10 @@ std::string RedactMap::wordPseudonym(RedactKind kind, std::string_view original)
 }
 
 void RedactMap::learnNumber(RedactKind kind, std::string_view original, std::string_view pseudonym) {
+  static const RE2 pattern("(?i)redacted-(?:[a-z]+-)?([0-9]{1,9}).*", RE2::Latin1);
   unsigned number = 0;
-  const re2::StringPiece text(pseudonym.data(), pseudonym.size());
-  if (RE2::FullMatch(text, wordPseudonymPattern(), static_cast<void*>(nullptr), &number)) {
+  if (isWordPseudonym(pseudonym) &&
+      RE2::FullMatch(re2::StringPiece(pseudonym.data(), pseudonym.size()), pattern, &number)) {
     m_words[static_cast<char>(kind) + folded(original)].number = number;
     m_numbers[indexOf(kind)] = std::max(m_numbers[indexOf(kind)], number);
   }

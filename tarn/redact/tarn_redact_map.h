@@ -55,7 +55,10 @@ class RedactMap {
   AddressPool m_pool;
 };
 
-/// Whether the whole word is a pseudonym of a kind that has no addresses.
+/// Length of the pseudonym, of a kind that has no addresses, that the text begins with; 0 when it begins with
+/// none.
+std::size_t wordPseudonymAt(std::string_view text);
+/// Whether the whole word is one.
 bool isWordPseudonym(std::string_view word);
 
 }  // namespace tarn

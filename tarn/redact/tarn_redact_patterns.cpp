@@ -86,7 +86,8 @@ void Patterns::find(std::string_view text, std::size_t from, std::vector<Span>* 
       found->push_back(span);
       at = span.end();
     } else {
-      at = afterFirstPiece(text, span);
+      const bool isBehind = group.data() > match.data();
+      at = isBehind ? span.offset : afterFirstPiece(text, span);
     }
   }
 }

@@ -141,14 +141,15 @@ bool acceptEmail(std::string_view text, Span* span) {
       RE2::Latin1);
   trimEnd(text, ".-", span);
   const std::string_view address = contents(text, *span);
-  span->pseudonym = isWordPseudonym(address);
-  return !matches(address, unit);
+  return wordPseudonymAt(text.substr(span->offset)) == 0 && !matches(address, unit);
 }
 
 bool acceptName(std::string_view text, Span* span) {
   trimEnd(text, ".-", span);
   const std::string_view name = contents(text, *span);
-  span->pseudonym = isWordPseudonym(name);
+  if (wordPseudonymAt(text.substr(span->offset)) > 0) {
+    return false;  // found by itself
+  }
   return name.size() > 1 && !tellsNothing(name) && !readAddress(name);
 }
 
@@ -190,10 +191,14 @@ bool acceptSecret(std::string_view text, Span* span) {
   }
   trimEnd(text, ".", span);
   const std::string_view value = contents(text, *span);
-  span->pseudonym = isWordPseudonym(value);
-  return !tellsNothing(value) && !RE2::FullMatch(re2::StringPiece(value.data(), value.size()), plain) &&
+  return wordPseudonymAt(text.substr(span->offset)) == 0 && !tellsNothing(value) &&
+         !RE2::FullMatch(re2::StringPiece(value.data(), value.size()), plain) &&
          !matches(before(text, *span, 48), setting);
 }
+
+/// What a credential is called, in the middle of a longer name, too.
+const std::string kCredential =
+    R"re((?i:passw(?:or)?d|passphrase|passcode|pwd|secret|token|credential|(?:api|access|auth|account|encryption|private)[_-]?key)s?[A-Za-z0-9_-]{0,16})re";
 
 bool acceptAlways(std::string_view, Span*) {
   return true;
@@ -205,7 +210,8 @@ const std::vector<RedactRule>& redactRules() {
   static const std::vector<RedactRule> rules = {
       {.kind = RedactKind::customer,
        .name = "what was redacted before",
-       .pattern = R"re(((?i:redacted-(?:(?:host|user|customer|secret)-)?[0-9]+[a-z]*(?:@mail\.invalid)?)))re",
+       .pattern =
+           R"re(((?i:redacted-(?:(?:host|user|customer|secret)-[0-9]+[a-z]*|[0-9]+[a-z]*@mail\.invalid))))re",
        .accept = acceptPseudonym,
        .hits = {},
        .nearMisses = {}},
@@ -235,21 +241,25 @@ const std::vector<RedactRule>& redactRules() {
        .hits = {R"("NAME": "ssl_key_password", "VALUE": "«hunter2»")"},
        .nearMisses = {R"("NAME": "password_encryption", "VALUE": "md5")"}},
       {.kind = RedactKind::secret,
-       .name = "quoted value of a credential",
-       .pattern =
-           R"re((?i:(?:passw(?:or)?d|passphrase|passcode|pwd|secret|token|api[_-]?key|access[_-]?key|auth[_-]?key|account[_-]?key|encryption[_-]?key|private[_-]?key|client[_-]?secret|credential)s?[A-Za-z0-9_-]{0,16}["']{0,4}\s*(?::=|=>|[:=])\s*(?:"{1,2}([^"\n]+)["\n])))re",
+       .name = "member of a credential",
+       .pattern = R"re("[^"\s]{0,40})re" + kCredential + R"re("\s*:\s*"([^"]+)")re",
        .accept = acceptSecret,
-       .hits = {R"("password": "«correct horse»")", R"(api_key="«abc123def456»")"},
+       .hits = {R"("password": "«correct horse»")"},
        .nearMisses = {R"("token_count": "12345")", R"("password": "")", R"("passwordPolicy": "none")"}},
       {.kind = RedactKind::secret,
+       .name = "quoted value of a credential",
+       .pattern = kCredential + R"re('{0,2}\s*(?::=|=>|[:=])\s*'{1,2}([^'"\n]+)')re",
+       .accept = acceptSecret,
+       .hits = {"api_key=''«abc123 def456»''", "''db_password'': ''«x y z»''"},
+       .nearMisses = {"''token_count'': ''12345''", R"("password =", "next")"}},
+      {.kind = RedactKind::secret,
        .name = "value of a credential",
-       .pattern =
-           R"re((?i:(?:passw(?:or)?d|passphrase|passcode|pwd|secret|token|api[_-]?key|access[_-]?key|auth[_-]?key|account[_-]?key|encryption[_-]?key|private[_-]?key|client[_-]?secret|credential)s?[A-Za-z0-9_-]{0,16}["']?[ \t]*(?::=|=>|[:=])[ \t]*'?([^\s"',;|<>(){}\[\]]+)))re",
+       .pattern = kCredential + R"re('{0,2}[ \t]*(?::=|=>|[:=])[ \t]*([^\s"',;|<>(){}\[\]]+))re",
        .accept = acceptSecret,
        .hits = {"PWD=«tiger1»;UID=«scott»", "?token=«abc123»&page=2", " Password    = «hunter2»\n",
                 "DB_PASSWORD: «Tr0ub4dor&3»"},
        .nearMisses = {"password_encryption = scram-sha-256", "PasswordAuthentication = yes",
-                      "token_count: 12"}},
+                      "token_count: 12", "password =\n\nnext"}},
       {.kind = RedactKind::secret,
        .name = "credential as an argument",
        .pattern = R"re((?i:--?(?:password|passwd|pass|token|secret|api-key)[ =]'?([^\s"',;-][^\s"',;]*)))re",

@@ -2,7 +2,7 @@
 /// What redaction recognises by its form: one row a form, with what it finds and what it must leave alone.
 /// The tests run these, docs/redaction.md shows them.
 
-#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -14,7 +14,7 @@ struct RedactRule {
   RedactKind kind;
   std::string_view name;
   /// RE2; its one group is what gets a pseudonym.
-  std::string_view pattern;
+  std::string pattern;
   /// Looks at what the pattern cannot: what stands around, whether the value means anything. May make the
   /// span shorter; false leaves it alone.
   bool (*accept)(std::string_view text, Span* span);
