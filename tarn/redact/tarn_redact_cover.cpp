@@ -52,13 +52,14 @@ std::size_t openEscape(std::string_view bytes) {
 }
 
 void appendCovered(std::string_view bytes, std::string* text) {
-  while (!bytes.empty()) {
-    const std::size_t plain = std::min(bytes.find('\\'), bytes.size());
-    *text += bytes.substr(0, plain);
-    bytes.remove_prefix(plain);
-    const std::size_t length = escapeLength(bytes);
-    text->append(length, coverOf(bytes));
-    bytes.remove_prefix(length);
+  const std::size_t begin = text->size();
+  *text += bytes;
+  for (std::size_t at = bytes.find('\\'); at != std::string_view::npos; at = bytes.find('\\', at)) {
+    const std::string_view escape = bytes.substr(at, kLongest);
+    const std::size_t length = escapeLength(escape);
+    std::fill_n(text->begin() + static_cast<std::ptrdiff_t>(begin + at), length,
+                coverOf(escape.substr(0, length)));
+    at += length;
   }
 }
 
