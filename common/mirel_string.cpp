@@ -82,6 +82,11 @@ mirel_string::mirel_string(mirel_string&& other) noexcept
   other.m_buffer = nullptr;
 }
 
+// The text is not written to: that is only done to a text's own block.
+mirel_string mirel_string::within(const char* text, unsigned long length) {
+  return {const_cast<char*>(text), length, kNotOwned};
+}
+
 mirel_string::~mirel_string() {
   strFree();
 }
@@ -112,7 +117,7 @@ void mirel_string::copyFrom(const mirel_string& other) {
     m_buffer = nullptr;
     return;
   }
-  if (strAlloc(other.m_capacity, other.m_length)) {
+  if (strAlloc(other.owns() ? other.m_capacity : other.m_length + kTail, other.m_length)) {
     copyBounded(m_buffer, other.m_buffer, m_capacity);
   }
 }
@@ -129,6 +134,9 @@ bool mirel_string::strAlloc(unsigned long capacity, unsigned long length) {
 }
 
 bool mirel_string::strFree() {
+  if (!owns()) {
+    m_buffer = nullptr;
+  }
   return m_buffer == nullptr || releaseText(m_buffer);
 }
 
@@ -147,7 +155,7 @@ mirel_string mirel_string::upper() const {
 }
 
 mirel_string mirel_string::substr(unsigned long position, unsigned long length) const& {
-  if (position >= m_capacity || length == 0) {
+  if (position >= capacity() || length == 0) {
     return nullptr;
   }
   const unsigned long count = length < m_length ? length : m_length;
@@ -166,6 +174,9 @@ mirel_string mirel_string::substr(unsigned long position, unsigned long length) 
     return nullptr;
   }
   const unsigned long count = std::min(length, m_length - position);
+  if (!owns()) {
+    return {m_buffer + position, count};
+  }
   memmove(m_buffer, m_buffer + position, count);
   memset(m_buffer + count, 0, kTail);
   mirel_string result(m_buffer, count, count + kTail);

@@ -28,6 +28,9 @@ class mirel_string {
 
   mirel_string(const mirel_string& other);
   mirel_string(mirel_string&& other) noexcept;
+  /// A text that is part of somebody else's block and stays as it is, NUL-terminated, for as long as the
+  /// string: nothing is allocated, and nothing released. A copy is a text of its own.
+  static mirel_string within(const char* text, unsigned long length);
   ~mirel_string();
 
   /// Releases the own text first. A string assigned to itself therefore reads as empty and keeps its
@@ -90,6 +93,9 @@ class mirel_string {
   /// Takes over a block that holds `length` characters and at least three NULs behind them.
   mirel_string(char* block, unsigned long length, unsigned long capacity);
 
+  bool owns() const { return (m_capacity & kNotOwned) == 0; }
+  /// Bytes of the text's block, or of its part of somebody else's.
+  unsigned long capacity() const { return owns() ? m_capacity : m_length + 1; }
   void copyFrom(const mirel_string& other);
   bool equals(const char* other) const;
   template <class Number>
@@ -97,6 +103,8 @@ class mirel_string {
 
   /// Room behind every text: its terminator and two more NULs.
   static constexpr unsigned long kTail = 3;
+  /// Instead of a capacity: the block is somebody else's.
+  static constexpr unsigned long kNotOwned = 1UL << 63;
   static const char s_terminator;
 
   unsigned long m_capacity;  ///< bytes asked for, normally length + 3

@@ -59,8 +59,5 @@ void ResultSet::readColumn(unsigned short column) {
   if (static_cast<int>(indicator) == SQL_NULL_DATA) {
     memcpy(buffer, "NULL", sizeof "NULL");
   }
-  const mirel_string& name = m_names[column - 1u];
-  m_row.next();
-  m_row.key(name.c_str(), name.length());
-  m_row.text(buffer, firstWord(buffer));
+  m_row.add(m_names[column - 1u], buffer, firstWord(buffer));
 }

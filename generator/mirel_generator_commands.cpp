@@ -91,16 +91,21 @@ std::vector<mirel_string> Generator::split_args(const mirel_string& text, unsign
   return words;
 }
 
-const char* Generator::behind(const mirel_string& text, const char* word) {
-  const char* const first = text.c_str() + strspn(text.c_str(), " ");
+const char* Generator::behind(const char* text, const char* word) {
+  const char* const first = *text == ' ' ? text + strspn(text, " ") : text;
   const unsigned long length = strlen(word);
-  const bool isFirst = strncmp(first, word, length) == 0 && first[length] == ' ';
+  const bool isFirst = *first == *word && strncmp(first, word, length) == 0 && first[length] == ' ';
   return isFirst ? first + length + strspn(first + length, " ") : nullptr;
+}
+
+bool Generator::isCommand(const char* text) {
+  return std::any_of(std::begin(kCommands), std::end(kCommands),
+                     [text](const Command& command) { return behind(text, command.word) != nullptr; });
 }
 
 void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
   for (const Command& command : kCommands) {
-    if (const char* rest = behind(primitive->text(), command.word)) {
+    if (const char* rest = behind(primitive->text().c_str(), command.word)) {
       const MemoryWatch memory;
       MemoryWatch::during([&] { command.run(*this, rest, primitive, pair); });
       if (memory.ranOut()) {

@@ -49,12 +49,17 @@ void Generator::visit(ArrayValue* array) {
 }
 
 void Generator::visit(KeyValuePair* pair) {
-  if (behind(pair->getKey(), "$foreach") != nullptr) {
+  if (behind(pair->getKey().c_str(), "$foreach") != nullptr) {
     const std::vector<mirel_string> words = split_args(pair->getKey(), mirel_string::npos);
     if (words.size() >= 3) {
       expand(pair, words[1], withoutBrackets(words[2]));
       return;
     }
+  }
+  // Most members say something themselves: no node is made of these texts.
+  const char* const text = pair->plainText();
+  if (text != nullptr && !isCommand(text)) {
+    return;
   }
   Value* value = pair->getValue();
   if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {

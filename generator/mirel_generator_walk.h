@@ -62,7 +62,8 @@ class Generator final : public JsonVisitor {
   static const Variable s_variables[];
 
   /// What follows the first word of a text of several words, if it is this one; else null.
-  static const char* behind(const mirel_string& text, const char* word);
+  static const char* behind(const char* text, const char* word);
+  static bool isCommand(const char* text);
   void expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey);
   Value* runForDatabase(const KeyValuePair* pair);
 

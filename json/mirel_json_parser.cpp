@@ -2,122 +2,145 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
+#include <string_view>
 #include <utility>
 
 #include "common/mirel_common_console.h"
 #include "json/mirel_json_value.h"
+#include "json/mirel_json_writer.h"
 
 namespace {
 
-using enum JsonTokenType;
-
-constexpr const char* TokenStrings[] = {"{", "}", "[", "]", ",", ":", "string"};
 constexpr unsigned long kDeepest = 1000;
+/// The tokens of one character, as they are numbered.
+constexpr std::string_view kSingle = "{}[],:";
 
-const char* nameOf(JsonTokenType type) {
-  return TokenStrings[static_cast<int>(type)];
-}
+/// What a string of the input stands for.
+class Text {
+ public:
+  explicit Text(const RawString& string) : m_text(string.contents) {
+    if (!string.plain) {
+      m_undone = undoEscapes(string.contents);
+      m_text = {m_undone->c_str(), m_undone->length()};
+    }
+  }
+  Text(const Text&) = delete;
+  Text& operator=(const Text&) = delete;
+
+  operator std::string_view() const { return m_text; }
+
+ private:
+  std::string_view m_text;
+  std::optional<mirel_string> m_undone;
+};
 
 }  // namespace
 
 JsonParser::JsonParser() : m_input("") {}
+JsonParser::~JsonParser() = default;
 
 Value* JsonParser::parse(mirel_string text) {
-  m_token.string = {};  // it stood in the former input
+  m_string = {};  // it stood in the former input
   m_input = std::move(text);
-  m_foldReader.start(m_input.c_str() + m_input.length());
   m_line = 1;
   m_lineBegin = m_position = m_depth = 0;
   m_seen = mirel_string::npos;
 
-  std::unique_ptr<Value> root;
-  if (nextTokenIs(openBrace)) {
+  Value* root = nullptr;
+  if (nextTokenIs(tokenOpenBrace)) {
     parseObject(&root);
-  } else if (nextTokenIs(openBracket)) {
+  } else if (nextTokenIs(tokenOpenBracket)) {
     parseArray(&root);
   } else {
-    fail({openBrace, openBracket});
+    fail({tokenOpenBrace, tokenOpenBracket});
   }
-  return root.release();
+  dropConsumed();
+  return root;
 }
 
-bool JsonParser::parseObject(std::unique_ptr<Value>* out) {
-  auto* object = new ObjectValue("");
-  out->reset(object);
-  open(openBrace);
-  if (nextTokenIs(closeBrace)) {
-    --m_depth;
-    return true;
-  }
+/// The tree is the larger part of what a document takes; its text need not stay beside it.
+void JsonParser::dropConsumed() {
+  m_input = mirel_string(m_input.c_str() + m_position, m_input.length() - m_position);
+  m_seen -= m_position;
+  m_lineBegin -= m_position;
+  m_position = 0;
+}
+
+bool JsonParser::parseObject(Value** out) {
+  auto object = std::make_unique<ObjectValue>();
+  open(tokenOpenBrace);
   bool more = true;
-  do {
-    std::unique_ptr<KeyValuePair> pair;
-    more = parsePair(&pair);
-    object->addValue(pair.release());
-  } while (more && nextTokenIs(comma) && consume());
-  return close(closeBrace);
-}
-
-bool JsonParser::parseArray(std::unique_ptr<Value>* out) {
-  auto* array = new ArrayValue;
-  out->reset(array);
-  open(openBracket);
-  if (nextTokenIs(closeBracket)) {
+  if (nextTokenIs(tokenCloseBrace)) {
     --m_depth;
-    return true;
+  } else {
+    const std::size_t first = m_members.size();
+    do {
+      KeyValuePair* pair = nullptr;
+      more = parsePair(&pair);
+      m_members.push_back(std::unique_ptr<KeyValuePair>(pair));
+    } while (more && nextTokenIs(tokenComma) && consume());
+    more = close(tokenCloseBrace);
+    object->take(&m_members, first);
   }
-  bool more = true;
-  do {
-    std::unique_ptr<Value> element;
-    more = parseValue(&element);
-    array->push_back(element.release());
-  } while (more && nextTokenIs(comma) && consume());
-  return close(closeBracket);
-}
-
-bool JsonParser::parsePair(std::unique_ptr<KeyValuePair>* out) {
-  expect(string);
-  mirel_string key = m_token.string.text();
-  expect(colon);
-  std::unique_ptr<Value> value;
-  const bool more = parseValue(&value);
-  out->reset(new KeyValuePair(std::move(key), value.release()));
+  *out = object.release();
   return more;
 }
 
-bool JsonParser::parseValue(std::unique_ptr<Value>* out) {
-  if (nextTokenIs(openBrace)) {
-    return parseFolded(out) || parseObject(out);
+bool JsonParser::parseArray(Value** out) {
+  auto array = std::make_unique<ArrayValue>();
+  open(tokenOpenBracket);
+  bool more = true;
+  if (nextTokenIs(tokenCloseBracket)) {
+    --m_depth;
+  } else {
+    do {
+      Value* element = nullptr;
+      more = parseValue(&element);
+      array->push_back(element);
+    } while (more && nextTokenIs(tokenComma) && consume());
+    more = close(tokenCloseBracket);
   }
-  if (nextTokenIs(openBracket)) {
-    return parseArray(out);
-  }
-  if (!nextTokenIs(string)) {
-    fail({openBrace, openBracket, string});
-  }
-  consume();
-  *out = std::make_unique<PrimitiveValue>(m_token.string.text());
-  return true;
+  *out = array.release();
+  return more;
 }
 
-bool JsonParser::parseFolded(std::unique_ptr<Value>* out) {
-  const char* const text = m_input.c_str();
-  if (m_depth + FoldReader::kLevels > kDeepest || !m_foldReader.read(text + m_position)) {
-    return false;
+bool JsonParser::parsePair(KeyValuePair** out) {
+  expect(tokenString);
+  const Text key(m_string);
+  const bool plainKey = m_string.plain;
+  expect(tokenColon);
+  if (nextTokenIs(tokenString)) {
+    consume();
+    *out = KeyValuePair::of(key, Text(m_string), plainKey && m_string.plain);
+    return true;
   }
-  *out = std::make_unique<ObjectValue>(m_foldReader.folded());
-  if (m_foldReader.lines() > 0) {
-    m_line += m_foldReader.lines();
-    m_lineBegin = static_cast<unsigned long>(m_foldReader.lastLine() - text);
+  std::unique_ptr<KeyValuePair> pair(KeyValuePair::of(key));
+  Value* value = nullptr;
+  const bool more = parseValue(&value);
+  pair->setValue(value);
+  *out = pair.release();
+  return more;
+}
+
+bool JsonParser::parseValue(Value** out) {
+  if (nextTokenIs(tokenOpenBrace)) {
+    return parseObject(out);
   }
-  m_position = static_cast<unsigned long>(m_foldReader.after() - text);
-  m_token.type = closeBrace;
+  if (nextTokenIs(tokenOpenBracket)) {
+    return parseArray(out);
+  }
+  if (!nextTokenIs(tokenString)) {
+    fail({tokenOpenBrace, tokenOpenBracket, tokenString});
+  }
+  consume();
+  *out = PrimitiveValue::of(Text(m_string));
   return true;
 }
 
 void JsonParser::open(JsonTokenType bracket) {
   if (nextTokenIs(bracket) && m_depth == kDeepest) {
-    fail({string});
+    fail({tokenString});
   }
   expect(bracket);
   ++m_depth;
@@ -126,8 +149,8 @@ void JsonParser::open(JsonTokenType bracket) {
 bool JsonParser::close(JsonTokenType bracket) {
   --m_depth;
   // Both kinds of container name the bracket here.
-  if (atEnd() || (m_token.type != bracket && m_token.type != comma)) {
-    fail({comma, closeBracket});
+  if (atEnd() || (m_type != bracket && m_type != tokenComma)) {
+    fail({tokenComma, tokenCloseBracket});
   }
   return nextTokenIs(bracket) && consume();
 }
@@ -145,74 +168,87 @@ bool JsonParser::nextTokenIs(JsonTokenType expected) {
     m_seenToken = recognise();
     m_seen = m_position;
   }
-  return m_seenToken && m_token.type == expected;
+  return m_seenToken && m_type == expected;
 }
 
 bool JsonParser::consume() {
-  m_position += m_token.length;
+  m_position += m_length;
   return true;
 }
 
 void JsonParser::skipWhitespace() {
-  for (; !atEnd() && isBlank(m_input.at(m_position)); ++m_position) {
-    if (m_input.at(m_position) == '\n') {
+  const char* const text = input().data();
+  const char* const end = text + input().size();
+  const char* at = text + m_position;
+  while (at < end && isBlank(*at)) {
+    if (*at++ == '\n') {
       ++m_line;
-      m_lineBegin = m_position + 1;
+      m_lineBegin = static_cast<unsigned long>(at - text);
+      at = endOfSpaces(at, end);
     }
   }
+  m_position = static_cast<unsigned long>(at - text);
 }
 
 bool JsonParser::recognise() {
-  const char character = m_input.at(m_position);
   if (atEnd()) {
     // Nothing at the end is ever what is expected, but a quote is shown as the string it would begin.
-    if (character == '"') {
-      m_token = {string, 2, {}};
+    if (input().ends_with('"')) {
+      m_type = tokenString;
+      m_length = 2;
+      m_string = {};
     }
     return false;
   }
+  const char character = input()[m_position];
   if (character == '"') {
     return recogniseString();
   }
-  for (JsonTokenType type : {openBrace, closeBrace, openBracket, closeBracket, comma, colon}) {
-    if (character == *nameOf(type)) {
-      m_token.type = type;
-      m_token.length = 1;
-      return true;
-    }
-  }
-  return false;
-}
-
-bool JsonParser::recogniseString() {
-  const char* const inputEnd = m_input.c_str() + m_input.length();
-  RawString found;
-  scanString(m_input.c_str() + m_position + 1, inputEnd, &found);
-  if (found.end() == inputEnd && inputEnd[-1] != '"') {
-    m_position = m_input.length();
+  const std::size_t type = kSingle.find(character);
+  if (type == std::string_view::npos) {
     return false;
   }
-  m_token = {string, found.length + 2, found};
+  m_type = static_cast<JsonTokenType>(type);
+  m_length = 1;
   return true;
 }
 
-void JsonParser::fail(std::initializer_list<JsonTokenType> expected) const {
-  printParseError(expected, m_token.type, m_token.string.text(), m_line, m_position - m_lineBegin);
+bool JsonParser::recogniseString() {
+  const char* const inputEnd = input().data() + input().size();
+  const RawString found = scanString(input().data() + m_position + 1, inputEnd);
+  if (found.end() == inputEnd && inputEnd[-1] != '"') {
+    m_position = input().size();
+    return false;
+  }
+  m_type = tokenString;
+  m_length = found.contents.size() + 2;
+  m_string = found;
+  return true;
 }
 
-void JsonParser::printParseError(std::initializer_list<JsonTokenType> expected, JsonTokenType actual,
+Token JsonParser::token() const {
+  const Text contents(m_string);
+  const std::string_view text = m_type == tokenString ? contents : std::string_view(TokenStrings[m_type]);
+  return {mirel_string(text.data(), text.size()), m_type, m_length};
+}
+
+void JsonParser::fail(const std::vector<JsonTokenType>& expected) const {
+  printParseError(expected, m_type, token().text, m_line, m_position - m_lineBegin);
+}
+
+void JsonParser::printParseError(const std::vector<JsonTokenType>& expected, JsonTokenType actual,
                                  const mirel_string& actualText, unsigned long line, unsigned long column) {
   std::cout << "Expecting one of: (";
   const char* separator = "";
-  for (JsonTokenType type : expected) {
-    std::cout << separator << '"' << nameOf(type) << '"';
+  for (const JsonTokenType type : expected) {
+    std::cout << separator << '"' << TokenStrings[type] << '"';
     separator = ", ";
   }
   std::cout << "); Actual: ";
-  if (actual == string) {
+  if (actual == tokenString) {
     std::cout << "string \"" << actualText;
   } else {
-    std::cout << '"' << nameOf(actual);
+    std::cout << '"' << TokenStrings[actual];
   }
   std::cout << "\" on line " << line << " column " << column + 1 << std::endl;
   complainOfLostOutput();

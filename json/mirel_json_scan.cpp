@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "common/mirel_common_eight.h"
-#include "json/mirel_json_writer.h"
 
 using namespace eight;
 
@@ -43,24 +42,12 @@ const char* endOfPlain(const char* text, const char* end) {
   return text;
 }
 
-mirel_string RawString::text() const {
-  return asWritten ? unescapeJson(contents, length) : reverseEscape({contents, length});
-}
-
-void scanString(const char* contents, const char* end, RawString* found) {
-  found->contents = contents;
-  found->asWritten = true;
+RawString scanString(const char* contents, const char* end) {
   const char* at = endOfPlain(contents, end);
+  const bool plain = at == end || *at == '"';
   while (at != end && *at != '"') {
-    if (*at == '\\') {
-      const bool again = at[1] == '"' || at[1] == 'n' || at[1] == 'r';
-      found->asWritten = found->asWritten && again;
-      at += again ? 2 : 1;
-    } else {
-      found->asWritten = false;
-      ++at;
-    }
+    at += *at == '\\' && at[1] == '"' ? 2 : 1;
     at = endOfPlain(at, end);
   }
-  found->length = static_cast<unsigned long>(at - contents);
+  return {{contents, static_cast<unsigned long>(at - contents)}, plain};
 }

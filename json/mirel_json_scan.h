@@ -1,7 +1,7 @@
 #pragma once
-/// What the readers and the writer of JSON text know about its characters.
+/// What the reader and the writer of JSON text know about its characters.
 
-#include "common/mirel_string.h"
+#include <string_view>
 
 /// Whether the character may stand between tokens.
 inline bool isBlank(char character) {
@@ -16,16 +16,12 @@ const char* endOfPlain(const char* text, const char* end);
 
 /// A string as it stands in the text.
 struct RawString {
-  const char* contents = "";  ///< what is between the quotes
-  unsigned long length = 0;
-  bool asWritten = true;  ///< whether its text, escaped again, is the same
+  std::string_view contents;  ///< what is between the quotes
+  bool plain = true;          ///< whether that is its text, which is written the same
 
-  const char* end() const { return contents + length; }
-  /// With its escapes undone as `reverseEscape` does (json/mirel_json_writer.h).
-  mirel_string text() const;
+  const char* end() const { return contents.data() + contents.size(); }
 };
 
 /// The string whose opening quote stands before `contents`. Without a closing quote it ends at `end`, where a
-/// NUL stands: the only one. It is not returned because passing it on by copies costs a fifth of parsing
-/// rows.
-void scanString(const char* contents, const char* end, RawString* found);
+/// NUL stands.
+RawString scanString(const char* contents, const char* end);

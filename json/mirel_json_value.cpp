@@ -1,12 +1,22 @@
 #include "json/mirel_json_value.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace {
 
 Value* cloneOf(const Value* value) {
   return value == nullptr ? nullptr : value->clone();
+}
+
+/// Those from the `first` on, into no more room than they need.
+void handOver(std::vector<std::unique_ptr<KeyValuePair>>* from, unsigned long first,
+              std::vector<KeyValuePair*>* to) {
+  to->reserve(to->size() + from->size() - first);
+  std::transform(from->begin() + static_cast<long>(first), from->end(), std::back_inserter(*to),
+                 [](auto& member) { return member.release(); });
+  from->resize(first);
 }
 
 }  // namespace
@@ -20,12 +30,19 @@ Value* Value::operator[](const mirel_string&) const {
 
 PrimitiveValue::PrimitiveValue(mirel_string text) : m_text(std::move(text)) {}
 
+PrimitiveValue* PrimitiveValue::of(std::string_view text) {
+  void* const block = operator new(sizeof(PrimitiveValue) + text.size() + 1);
+  char* const ownText = reinterpret_cast<char*>(static_cast<PrimitiveValue*>(block) + 1);
+  *std::copy(text.begin(), text.end(), ownText) = '\0';
+  return ::new (block) PrimitiveValue(mirel_string::within(ownText, text.size()));
+}
+
 void PrimitiveValue::setText(mirel_string text) {
   m_text = std::move(text);
 }
 
 PrimitiveValue* PrimitiveValue::clone() const {
-  return new PrimitiveValue(*this);
+  return of({m_text.c_str(), m_text.length()});
 }
 
 void PrimitiveValue::accept(JsonVisitor& visitor) {
@@ -65,47 +82,24 @@ Value* ArrayValue::operator[](unsigned long index) const {
   return const_cast<Value*>(m_elements[index]);
 }
 
-KeyValuePair::KeyValuePair(mirel_string key, Value* value) : m_key(std::move(key)), m_value(value) {}
-
-KeyValuePair::KeyValuePair(mirel_string key, mirel_string text)
-    : KeyValuePair(std::move(key), new PrimitiveValue(std::move(text))) {}
-
-KeyValuePair::~KeyValuePair() {
-  delete m_value;
+ObjectValue::ObjectValue(mirel_string name) {
+  if (name.length() > 0) {
+    unfolded().name = std::make_unique<const mirel_string>(std::move(name));
+  }
 }
-
-void KeyValuePair::setKey(mirel_string key) {
-  m_key = std::move(key);
-}
-
-void KeyValuePair::setValue(Value* value) {
-  delete m_value;
-  m_value = value;
-}
-
-Value* KeyValuePair::releaseValue() {
-  return std::exchange(m_value, nullptr);
-}
-
-void KeyValuePair::accept(JsonVisitor& visitor) {
-  visitor.visit(this);
-}
-
-ObjectValue::ObjectValue(mirel_string name) : m_members(Members{std::move(name), {}}) {}
 
 ObjectValue::ObjectValue(FoldedMembers members) : m_members(std::move(members)) {}
 
 // As with arrays, the members come into a whole object.
-ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue("") {
-  if (const auto* folded = std::get_if<FoldedMembers>(&other.m_members)) {
+ObjectValue::ObjectValue(const ObjectValue& other) : ObjectValue(other.getName()) {
+  const auto* folded = std::get_if<FoldedMembers>(&other.m_members);
+  if (folded != nullptr) {
     m_members = *folded;
     return;
   }
-  const auto& [name, values] = other.unfolded();
-  unfolded().name = name;
-  unfolded().values.reserve(values.size());
-  for (const KeyValuePair* member : values) {
-    addValue(new KeyValuePair(member->getKey(), cloneOf(member->getValue())));
+  unfolded().values.reserve(other.getValues().size());
+  for (const KeyValuePair* member : other.getValues()) {
+    addValue(member->clone());
   }
 }
 
@@ -115,6 +109,12 @@ ObjectValue::~ObjectValue() {
       delete member;
     }
   }
+}
+
+const mirel_string& ObjectValue::getName() const {
+  static const mirel_string none = mirel_string::within("", 0);
+  const auto* members = std::get_if<Members>(&m_members);
+  return members == nullptr || members->name == nullptr ? none : *members->name;
 }
 
 bool ObjectValue::empty() const {
@@ -130,8 +130,13 @@ void ObjectValue::addValue(KeyValuePair* member) {
 
 void ObjectValue::addObject(ObjectValue* object) {
   std::unique_ptr<ObjectValue> owned(object);
-  mirel_string name = object->getName();  // may unfold
-  addValue(new KeyValuePair(std::move(name), owned.release()));
+  auto member = std::make_unique<KeyValuePair>(object->getName(), static_cast<Value*>(nullptr));
+  member->setValue(owned.release());
+  addValue(member.release());
+}
+
+void ObjectValue::take(std::vector<std::unique_ptr<KeyValuePair>>* members, unsigned long first) {
+  handOver(members, first, &unfolded().values);
 }
 
 KeyValuePair* ObjectValue::memberOf(const mirel_string& key) const {
@@ -150,7 +155,7 @@ bool ObjectValue::hasKey(const mirel_string& key) const {
 Value* ObjectValue::search(const mirel_string& key) const {
   const KeyValuePair* member = memberOf(key);
   const bool found = member != nullptr && member->getValue() != nullptr;
-  return found ? member->getValue() : new ObjectValue("");
+  return found ? member->getValue() : new ObjectValue;
 }
 
 Value* ObjectValue::release(const mirel_string& key) {
@@ -161,8 +166,9 @@ Value* ObjectValue::release(const mirel_string& key) {
 ObjectValue::Members& ObjectValue::unfolded() const {
   if (const auto* folded = std::get_if<FoldedMembers>(&m_members)) {
     std::vector<std::unique_ptr<KeyValuePair>> nodes = folded->unfold();
-    auto& values = m_members.emplace<Members>(Members{"", std::vector<KeyValuePair*>(nodes.size())}).values;
-    std::transform(nodes.begin(), nodes.end(), values.begin(), [](auto& node) { return node.release(); });
+    Members members;
+    handOver(&nodes, 0, &members.values);
+    m_members = std::move(members);
   }
   return std::get<Members>(m_members);
 }

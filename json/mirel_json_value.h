@@ -8,11 +8,13 @@
 
 #include <iosfwd>
 #include <memory>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 #include "common/mirel_string.h"
 #include "json/mirel_json_folded.h"
+#include "json/mirel_json_pair.h"
 #include "json/mirel_json_visitor.h"
 
 class mirel_string_builder;
@@ -40,9 +42,11 @@ class Value {
 };
 
 /// One text.
-class PrimitiveValue final : public Value {
+class PrimitiveValue final : public Value, public NodeBlock {
  public:
   explicit PrimitiveValue(mirel_string text);
+  /// Of a copy of the text, in one block.
+  static PrimitiveValue* of(std::string_view text);
 
   const mirel_string& text() const { return m_text; }
   void setText(mirel_string text);
@@ -79,34 +83,11 @@ class ArrayValue final : public Value {
   std::vector<const Value*> m_elements;
 };
 
-/// A key and its value, the unit that objects are made of.
-class KeyValuePair {
- public:
-  /// Takes the value over.
-  KeyValuePair(mirel_string key, Value* value);
-  KeyValuePair(mirel_string key, mirel_string text);
-  ~KeyValuePair();
-  KeyValuePair(const KeyValuePair&) = delete;
-  KeyValuePair& operator=(const KeyValuePair&) = delete;
-
-  const mirel_string& getKey() const { return m_key; }
-  void setKey(mirel_string key);
-  Value* getValue() const { return m_value; }
-  /// Deletes the former value and takes the new one over.
-  void setValue(Value* value);
-  /// Hands the value to the caller; the pair is left without one.
-  Value* releaseValue();
-
-  void accept(JsonVisitor& visitor);
-
- private:
-  mirel_string m_key;
-  Value* m_value;
-};
-
 /// Ordered members.
 class ObjectValue final : public Value {
  public:
+  /// Without a name.
+  ObjectValue() = default;
   /// The name is what `addObject` files the object under; it is not part of the text.
   explicit ObjectValue(mirel_string name);
   /// Of these members, without a name.
@@ -114,7 +95,7 @@ class ObjectValue final : public Value {
   ObjectValue(const ObjectValue& other);
   ~ObjectValue() override;
 
-  const mirel_string& getName() const { return unfolded().name; }
+  const mirel_string& getName() const;
   const std::vector<KeyValuePair*>& getValues() const { return unfolded().values; }
   bool empty() const;
 
@@ -122,6 +103,8 @@ class ObjectValue final : public Value {
   void addValue(KeyValuePair* member);
   /// Adds an object under its own name; takes it over.
   void addObject(ObjectValue* object);
+  /// Takes the members from the `first` on over from the vector, in no more room than they need.
+  void take(std::vector<std::unique_ptr<KeyValuePair>>* members, unsigned long first);
 
   /// Whether a member has exactly this key.
   bool hasKey(const mirel_string& key) const;
@@ -141,7 +124,7 @@ class ObjectValue final : public Value {
 
  private:
   struct Members {
-    mirel_string name;
+    std::unique_ptr<const mirel_string> name;  ///< null when empty
     std::vector<KeyValuePair*> values;
   };
 

@@ -1,5 +1,6 @@
 #include "json/mirel_json_writer.h"
 
+#include <algorithm>
 #include <cstring>
 #include <ostream>
 
@@ -21,10 +22,26 @@ void appendValue(mirel_string_builder& out, const Value* value, unsigned long in
   }
 }
 
-void appendQuoted(mirel_string_builder& out, const mirel_string& text) {
+void appendQuoted(mirel_string_builder& out, std::string_view text) {
   out.append('"');
-  appendEscaped(out, text);
+  appendEscaped(out, text.data(), text.size());
   out.append('"');
+}
+
+/// Most of a document are members like this; so they go out in one piece.
+void appendAsIs(mirel_string_builder& out, unsigned long indent, std::string_view key,
+                std::string_view text) {
+  constexpr std::string_view kBetween = "\": \"";
+  constexpr std::string_view kAfter = "\",\n";
+  char* to = out.extend(2 * indent + 1 + key.size() + kBetween.size() + text.size() + kAfter.size());
+  if (to == nullptr) {
+    return;
+  }
+  to = std::fill_n(to, 2 * indent, ' ');
+  *to++ = '"';
+  for (const std::string_view piece : {key, kBetween, text, kAfter}) {
+    to = std::copy(piece.begin(), piece.end(), to);
+  }
 }
 
 /// Ends a container: the separator behind its last child goes, if it has one.
@@ -44,6 +61,33 @@ mirel_string textOf(const Value& value, unsigned long indent) {
   value.write(out, indent);
   out.endMeasuring();
   value.write(out, indent);
+  return out.take();
+}
+
+/// What a backslash stands for together with what follows it; NUL for itself.
+char escaped(std::string_view following) {
+  if (following == "n" || following == "N") {
+    return '\n';
+  }
+  if (following == "r" || following == "R") {
+    return '\r';
+  }
+  return following == "\"" ? '"' : '\0';
+}
+
+/// Of a text in which no backslash follows another: then all kinds of escapes can be undone in one pass.
+mirel_string withoutSingleEscapes(std::string_view text) {
+  mirel_string_builder out;
+  out.expect(text.size());
+  unsigned long from = 0;
+  for (unsigned long at = text.find('\\'); at < text.size(); at = text.find('\\', at + 1)) {
+    if (const char character = escaped(text.substr(at + 1, 1))) {
+      out.append(text.data() + from, at - from);
+      out.append(character);
+      from = at + 2;
+    }
+  }
+  out.append(text.data() + from, text.size() - from);
   return out.take();
 }
 
@@ -96,14 +140,38 @@ mirel_string unescapeJson(const char* text, unsigned long length) {
 }
 
 mirel_string reverseEscape(const mirel_string& text) {
-  return text.replace_all("\\\\", "\\")
+  return undoEscapes({text.c_str(), text.length()});
+}
+
+mirel_string undoEscapes(std::string_view text) {
+  if (text.find("\\\\") == std::string_view::npos) {
+    return withoutSingleEscapes(text);
+  }
+  return mirel_string(text.data(), text.size())
+      .replace_all("\\\\", "\\")
       .replace_all("\\n", "\n")
       .replace_all("\\r", "\r")
       .replace_all("\\\"", "\"");
 }
 
 void PrimitiveValue::write(mirel_string_builder& out, unsigned long) const {
-  appendQuoted(out, m_text);
+  appendQuoted(out, {m_text.c_str(), m_text.length()});
+}
+
+void KeyValuePair::write(mirel_string_builder& out, unsigned long indent) const {
+  if (isPlain() && plain().unescaped) {
+    appendAsIs(out, indent, key(), text());
+    return;
+  }
+  appendIndent(out, indent);
+  appendQuoted(out, key());
+  out.append(": ");
+  if (isPlain()) {
+    appendQuoted(out, text());
+  } else {
+    appendValue(out, m_value, indent);
+  }
+  out.append(",\n");
 }
 
 void ArrayValue::write(mirel_string_builder& out, unsigned long indent) const {
@@ -122,11 +190,7 @@ void ObjectValue::write(mirel_string_builder& out, unsigned long indent) const {
     folded->write(out, indent + 1);
   } else {
     for (const KeyValuePair* member : getValues()) {
-      appendIndent(out, indent + 1);
-      appendQuoted(out, member->getKey());
-      out.append(": ");
-      appendValue(out, member->getValue(), indent + 1);
-      out.append(",\n");
+      member->write(out, indent + 1);
     }
   }
   appendEnd(out, !empty(), indent, '}');

@@ -7,6 +7,8 @@
 /// out as it is, so a tab or another control byte stands raw in the text (RFC 8259 would have it escaped),
 /// and so do bytes above 127. Cost: two passes, the first to measure; linear in the text.
 
+#include <string_view>
+
 #include "common/mirel_string.h"
 
 class mirel_string_builder;
@@ -26,3 +28,5 @@ mirel_string unescapeJson(const char* text, unsigned long length);
 /// then line feeds, carriage returns and quotes, ignoring the letter's case. So a text that held a backslash
 /// and an n comes back with a line feed; templates may rely on that.
 mirel_string reverseEscape(const mirel_string& text);
+/// The same of a part of a text.
+mirel_string undoEscapes(std::string_view text);

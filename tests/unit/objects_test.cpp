@@ -42,6 +42,35 @@ TEST_F(Objects, MembersAreFoundCopiedAndWritten) {
   EXPECT_STREQ("\"a\\\"\"    ", (PrimitiveValue("a\"").stringify(1) + indent(2)).c_str());
 }
 
+TEST_F(Objects, ParserGoesOnBehindTheRootRuleByRule) {
+  JsonParser parser;
+  Value* value = parser.parse(R"(["a"] {"k": "v"}["b"] "c\"": {"d": "e"}, "f" , 1)");
+  KeyValuePair* pair = nullptr;
+  std::string found = compactOf(value);
+  found += parser.parseObject(&value) ? compactOf(value) : "";
+  found += parser.parseArray(&value) ? compactOf(value) : "";
+  EXPECT_TRUE(parser.parsePair(&pair));
+  found += pair->getKey().c_str() + compact(pair->getValue());
+  delete pair;
+  parser.skipWhitespace();
+  EXPECT_TRUE(!parser.nextTokenIs(tokenString) && parser.nextTokenIs(tokenComma) && parser.consume());
+  found += parser.parseValue(&value) ? compactOf(value) : "";
+  EXPECT_EQ(R"(["a"]{"k": "v"}["b"]c"{"d": "e"}"f")", found);
+  EXPECT_TRUE(parser.nextTokenIs(static_cast<JsonTokenType>(4)) && parser.consume());
+  const Token token = parser.token();
+  EXPECT_TRUE(!parser.nextTokenIs(tokenString) && token.text == TokenStrings[tokenComma] &&
+              token.length == 1);
+  const std::vector<JsonTokenType> expected = {tokenColon, tokenString};
+  EXPECT_EQ(255, exitStatusOf([&] { parser.printParseError(expected, token.type, token.text, 2, 4); }));
+  EXPECT_EQ("Expecting one of: (\":\", \"string\"); Actual: \",\" on line 2 column 5\n", standardOutput());
+}
+
+TEST_F(Objects, MemberThatIsRenamedIsWrittenWithItsNewKey) {
+  const std::unique_ptr<Value> root(JsonParser().parse(R"({"a": "b"})"));
+  dynamic_cast<ObjectValue&>(*root).getValues().front()->setKey("\"\n");
+  EXPECT_STREQ("{\n  \"\\\"\\n\": \"b\"\n}", root->stringify(0).c_str());
+}
+
 // The configuration record stays as it is when the next database's file cannot be read.
 TEST_F(Objects, DatabaseKeepsTheLastConfigurationThatCouldBeRead) {
   platform.files["/db/SAMPLE/member/SQLDBCONF"] = std::string(40, '\xFF');
