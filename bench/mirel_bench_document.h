@@ -15,17 +15,3 @@ inline std::string document(long size) {
   }
   return text + "\n  ]\n}";
 }
-
-/// The same size in objects that are unlike their neighbours and hold others.
-inline std::string mixedDocument(long size) {
-  std::string text = "{\n  \"rows\": [";
-  for (int number = 0; text.size() < static_cast<unsigned long>(size); ++number) {
-    const std::string name = std::to_string(number % 1000);
-    text += number == 0 ? "\n" : ",\n";
-    text += "    {\n      \"name" + name +
-            "\": \"TABLES\",\n      \"type\": \"V\",\n      \"facts\": {\n        \"card" + name +
-            "\": \"-1\",\n        \"lines\": \"one\\ntwo\\n\",\n        \"time\": \"2026-11-21-02.44.01\"\n  "
-            "    }\n    }";
-  }
-  return text + "\n  ]\n}";
-}

@@ -1,42 +1,18 @@
-/// What a user would pick instead: a JSON library known for its speed, and plain loops. A program of its own,
-/// with nothing of ours in it.
+/// What a user would write instead: plain loops. A program of its own, with nothing of ours in it.
 
 #include <benchmark/benchmark.h>
-#include <rapidjson/document.h>
-#include <rapidjson/prettywriter.h>
-#include <rapidjson/stringbuffer.h>
 
 #include <cstdio>
 #include <cstring>
 #include <string>
 
-#include "bench/mirel_bench_document.h"
 #include "bench/mirel_bench_output.h"
 #include "bench/mirel_bench_rows.h"
 #include "bench/mirel_bench_server.h"
+#include "bench/mirel_bench_sockets.h"
 #include "bench/mirel_bench_sql_bare.h"
 
 namespace {
-
-void parseRapidJson(benchmark::State& state, std::string (*document)(long)) {
-  const std::string text = document(state.range(0));
-  for (auto round : state) {
-    rapidjson::Document parsed;
-    benchmark::DoNotOptimize(parsed.Parse(text.c_str(), text.size()).HasParseError());
-  }
-}
-
-void writeRapidJson(benchmark::State& state, std::string (*document)(long)) {
-  rapidjson::Document parsed;
-  parsed.Parse(document(state.range(0)).c_str());
-  for (auto round : state) {
-    rapidjson::StringBuffer buffer;
-    rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
-    writer.SetIndent(' ', 2);
-    parsed.Accept(writer);
-    benchmark::DoNotOptimize(buffer.GetSize());
-  }
-}
 
 /// A command's output, read as the manual page of fgets(3) suggests, escaped and quoted.
 void executePlain(benchmark::State& state, std::string (*output)(long)) {
@@ -70,19 +46,9 @@ void bareLoop(benchmark::State& state, const char* dataSource) {
     benchmark::DoNotOptimize(bareRows(dataSource, sql));
 }
 
-int connected(sockaddr* address) {
-  const int peer = socket(AF_INET, SOCK_STREAM, 0);
-  return connect(peer, address, sizeof(sockaddr_in)) == 0 ? peer : -1;
-}
-
-unsigned long receiveAll(int peer) {
-  char piece[1024];
-  unsigned long length = 0;
-  for (ssize_t count = 1; count > 0; length += static_cast<unsigned long>(count)) {
-    count = std::max<ssize_t>(0, recv(peer, piece, sizeof piece, 0));
-  }
-  close(peer);
-  return length;
+/// What comes is dropped.
+unsigned long countAll(int peer) {
+  return receiveAll(peer, [](const char*, unsigned long) {});
 }
 
 void bareSends(benchmark::State& state) {
@@ -92,24 +58,20 @@ void bareSends(benchmark::State& state) {
   Server server(document.size());
   for (auto round : state) {
     const int peer = connected(server.address());
-    for (std::size_t offset = 0; offset < request.size(); offset += 1024) {
-      send(peer, request.data() + offset, std::min<std::size_t>(1024, request.size() - offset), MSG_NOSIGNAL);
-    }
-    if (receiveAll(peer) == 0) {
+    sendAll(peer, request);
+    if (countAll(peer) == 0) {
       state.SkipWithError("no answer");
       break;
     }
   }
 }
 
-/// What comes is dropped.
 void bareReceives(benchmark::State& state) {
   Sink sink = respondingSink(static_cast<unsigned long>(state.range(0)));
   for (auto round : state) {
     const int peer = connected(sink.address());
-    const char request[] = "GET /config HTTP/1.1\r\n\r\n";
-    send(peer, request, sizeof request - 1, MSG_NOSIGNAL);
-    if (receiveAll(peer) < static_cast<unsigned long>(state.range(0))) {
+    sendAll(peer, "GET /config HTTP/1.1\r\n\r\n");
+    if (countAll(peer) < static_cast<unsigned long>(state.range(0))) {
       state.SkipWithError("the response is not whole");
       break;
     }
@@ -118,10 +80,6 @@ void bareReceives(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(parseRapidJson, rows, document)->Arg(10'000)->Arg(100'000'000);
-BENCHMARK_CAPTURE(parseRapidJson, mixed, mixedDocument)->Arg(100'000'000);
-BENCHMARK_CAPTURE(writeRapidJson, rows, document)->Arg(10'000)->Arg(100'000'000);
-BENCHMARK_CAPTURE(writeRapidJson, mixed, mixedDocument)->Arg(100'000'000);
 BENCHMARK_CAPTURE(executePlain, shortLines, shortLines)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
 BENCHMARK_CAPTURE(executePlain, oneLine, oneLine)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
 BENCHMARK_CAPTURE(bareLoop, sqlite, "SQLITE")->RangeMultiplier(10)->Range(10'000, 1'000'000)->UseRealTime();

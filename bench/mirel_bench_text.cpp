@@ -1,5 +1,5 @@
-/// Documents and command output, beside what stands in mirel_bench_reference.cpp; then work whose cost has to
-/// grow with its size and no faster.
+/// Command output, beside what stands in mirel_bench_reference.cpp; then work whose cost has to grow with its
+/// size and no faster.
 
 #include <benchmark/benchmark.h>
 
@@ -27,22 +27,6 @@ std::string repeated(const std::string& piece, long size) {
 
 std::unique_ptr<Value> parsed(const std::string& text) {
   return std::unique_ptr<Value>(JsonParser().parse(text.c_str()));
-}
-
-void parse(benchmark::State& state, std::string (*document)(long)) {
-  const mirel_string text(document(state.range(0)).c_str());
-  for (auto round : state) {
-    state.PauseTiming();  // the parser takes its text over
-    mirel_string input = text;
-    state.ResumeTiming();
-    std::unique_ptr<Value>(JsonParser().parse(std::move(input)));
-  }
-}
-
-void write(benchmark::State& state, std::string (*document)(long)) {
-  const std::unique_ptr<Value> root = parsed(document(state.range(0)));
-  for (auto round : state)
-    benchmark::DoNotOptimize(root->stringify(0));
 }
 
 /// The second argument in bytes, in pieces of the first.
@@ -113,10 +97,6 @@ constexpr long kLarge = 100'000'000;
 
 }  // namespace
 
-BENCHMARK_CAPTURE(parse, rows, document)->Arg(kSmall)->Arg(kLarge);
-BENCHMARK_CAPTURE(parse, mixed, mixedDocument)->Arg(kLarge);
-BENCHMARK_CAPTURE(write, rows, document)->Arg(kSmall)->Arg(kLarge);
-BENCHMARK_CAPTURE(write, mixed, mixedDocument)->Arg(kLarge);
 BENCHMARK_CAPTURE(execute, shortLines, shortLines)->Arg(kSmall)->Arg(kLarge)->UseRealTime();
 BENCHMARK_CAPTURE(execute, oneLine, oneLine)->Arg(kLarge)->UseRealTime();
 
