@@ -20,6 +20,9 @@ void* asPointer(std::size_t number) {
   return reinterpret_cast<void*>(number);
 }
 
+/// Most values are that short, and take a quarter of the copying.
+constexpr long kShort = 32;
+
 /// A length as a driver wrote it over `kUnwritten`, be it in 64 bits or 32.
 long lengthOf(long written) {
   return (written >> 32) == (kUnwritten >> 32) ? static_cast<int>(written) : written;
@@ -50,7 +53,7 @@ RowBlock::RowBlock(OdbcHandle statement, std::size_t columns, std::size_t rows)
     : m_statement(statement),
       m_columns(columns),
       m_rows(rows),
-      m_cells(new (std::nothrow) Cell[columns * rows]),
+      m_cells(new (std::nothrow) Cell[columns * rows]()),
       m_status(new (std::nothrow) unsigned short[rows]) {}
 
 /// The number of rows comes last: until then nothing has changed for the driver. One that makes another
@@ -90,9 +93,19 @@ SQLRETURN RowBlock::fetch() {
   return isThere() ? SQL_SUCCESS : SQL_ERROR;
 }
 
+/// Drivers may leave a text as it is, or without its end: so every byte that one wrote becomes a NUL again.
+void RowBlock::empty(Cell& cell) {
+  const long length = lengthOf(cell.length);
+  std::memset(cell.text, 0, endsAt(cell, length) ? static_cast<std::size_t>(length) : sizeof cell.text);
+  cell.length = kUnwritten;
+}
+
+bool RowBlock::endsAt(const Cell& cell, long length) {
+  return length >= 0 && length < static_cast<long>(sizeof cell.text) && cell.text[length] == '\0';
+}
+
 void RowBlock::refill() {
-  std::memset(m_cells.get(), 0, m_columns * m_rows * sizeof(Cell));  // drivers may leave a text as it is
-  std::for_each_n(m_cells.get(), m_columns * m_rows, [](Cell& cell) { cell.length = kUnwritten; });
+  std::for_each_n(m_cells.get(), m_columns * m_rows, empty);
   std::fill_n(m_status.get(), m_rows, 0);
   m_fetched = 0;
   const SQLRETURN code = odbc().fetch(m_statement);
@@ -117,8 +130,13 @@ bool RowBlock::serve(const ValueRequest& request) {
     return false;
   }
   const Cell& from = cell(request.column);
-  std::memcpy(request.target, from.text, sizeof from.text);
-  *request.length = lengthOf(from.length);
+  const long length = lengthOf(from.length);
+  if (length < kShort && endsAt(from, length)) {
+    std::memcpy(request.target, from.text, kShort);
+  } else {
+    std::memcpy(request.target, from.text, sizeof from.text);
+  }
+  *request.length = length;
   return true;
 }
 

@@ -57,6 +57,8 @@ class RowBlock {
   bool bind();
   void refill();
   bool isThere();
+  static void empty(Cell& cell);
+  static bool endsAt(const Cell& cell, long length);
   bool has(const ValueRequest& request) const;
   const Cell& cell(unsigned short column) const { return m_cells[m_row * m_columns + column - 1]; }
 
