@@ -63,7 +63,7 @@ void head(const ShowOptions& options, const Tree& tree, const StatusSink& status
 
 Outcome document(const ShowOptions& options, const Tree& tree, const Facts& facts, const StatusSink& status,
                  std::uint64_t bytes, Console& console) {
-  Lines lines(console, lookOf(options, console));
+  Lines lines([&console](const Shown& line) { console.line(line); }, lookOf(options, console));
   DocumentView view(tree, facts, lines);
   head(options, tree, status, bytes, lines);
   if (!tree.empty()) {
@@ -84,7 +84,7 @@ Outcome member(const ShowOptions& options, const Tree& tree, const Facts& facts,
     console.trouble(options.file, say("has no {}", shown(options.pointer)));
     return Outcome::nothing;
   }
-  Lines lines(console, lookOf(options, console));
+  Lines lines([&console](const Shown& line) { console.line(line); }, lookOf(options, console));
   DocumentView(tree, facts, lines).member(*node, options.pointer);
   return Outcome::nothing;
 }

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include "tarn/commands/tarn_commands_console.h"
-
 namespace tarn {
 
 namespace {
@@ -33,7 +31,7 @@ std::size_t Lines::widthBehind(std::size_t indent) const {
 void Lines::line(std::size_t indent, const Shown& text) {
   const Shown fits = fitted(text, widthBehind(indent));
   m_hasCut = m_hasCut || fits.text().size() != text.text().size();
-  m_console.line(text.text().empty() ? Shown() : blanks(indent) + fits);
+  m_print(text.text().empty() ? Shown() : blanks(indent) + fits);
   ++m_count;
   m_isGap = false;
 }
@@ -56,7 +54,7 @@ void Lines::words(std::size_t indent, const Shown& text) {
 
 void Lines::gap() {
   if (!m_isGap) {
-    m_console.line({});
+    m_print({});
   }
   m_isGap = true;
 }
@@ -68,7 +66,7 @@ void Lines::heading(std::size_t indent, const Shown& title, const Shown& where) 
   if (const std::size_t taken = columns(head.text()) + kGap; !where.text().empty() && taken < width) {
     line += blanks(kGap) + styled(m_look.styled, "\x1b[2m", fitted(where, width - taken));
   }
-  m_console.line(line);
+  m_print(line);
   ++m_count;
   m_isGap = false;
 }

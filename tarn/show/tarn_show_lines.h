@@ -1,13 +1,11 @@
 #pragma once
 /// Where what is shown goes: lines of the terminal's width, with bold and dim words on a terminal.
 
-#include <string>
+#include <functional>
 
 #include "tarn/document/tarn_document_shown.h"
 
 namespace tarn {
-
-class Console;
 
 /// `all`: nothing is cut, neither lines nor lists.
 struct Look {
@@ -18,7 +16,9 @@ struct Look {
 
 class Lines {
  public:
-  Lines(Console& console, const Look& look) : m_console(console), m_look(look) {}
+  using Print = std::function<void(const Shown& line)>;
+
+  Lines(Print print, const Look& look) : m_print(std::move(print)), m_look(look) {}
 
   const Look& look() const { return m_look; }
   /// How many of `count` are shown, where more than `most` are too many for a page.
@@ -42,7 +42,7 @@ class Lines {
   bool hasCut() const { return m_hasCut; }
 
  private:
-  Console& m_console;
+  Print m_print;
   Look m_look;
   std::size_t m_count = 0;
   bool m_hasCut = false, m_isGap = true;
