@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "tarn/show/tarn_show_value.h"
 
@@ -82,7 +83,7 @@ void showBars(const Tree& tree, const Node& array, const BarColumns& names, std:
   const double most = std::max(1.0, static_cast<double>(bars.front().value));
   for (std::size_t i = 0; i < shownBars; ++i) {
     const auto value = static_cast<double>(bars[i].value);
-    const auto length = static_cast<std::size_t>(value / most * kBarWidth + 0.5);
+    const auto length = static_cast<std::size_t>(std::lround(value / most * kBarWidth));
     lines.line(indent,
                say("{}{}  {:{}}  {:>5}  {}", bars[i].label, blanks(width - columns(bars[i].label.text())),
                    bars[i].value, digits, percentOf(sum == 0 ? 0 : value / sum), barOf(1, length)));

@@ -15,7 +15,8 @@ Shown binary(std::uint64_t bytes) {
   constexpr const char* kUnits[] = {"KiB", "MiB", "GiB", "TiB", "PiB", "EiB"};
   std::size_t unit = 0;
   double size = static_cast<double>(bytes) / kStep;
-  for (; size >= kStep; size /= kStep) {
+  while (size >= kStep) {
+    size /= kStep;
     ++unit;
   }
   const double rounded = std::round(size * 10) / 10;
