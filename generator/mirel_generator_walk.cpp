@@ -92,7 +92,7 @@ ItemWords Generator::foreachVariables() {
 void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
   auto copies = std::make_unique<ArrayValue>();
   for (const Variable& row : s_variables) {
-    if (variable == row.word && (m_databaseName.length() > 0 || !row.needsDatabase)) {
+    if (!variable.lost() && variable == row.word && (m_databaseName.length() > 0 || !row.needsDatabase)) {
       copies->push_back((this->*row.copy)(pair));
     }
   }

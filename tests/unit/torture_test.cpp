@@ -178,7 +178,8 @@ class Torture : public PlatformTest, public testing::WithParamInterface<bool> {
     fake.commands["katolevel"] = "\"1\"\n2\n";
     fake.files["/opt/kato/katonodes.cfg"] = "0 node1 0\n";
     fake.responses = {{"HTTP/1.1 200 OK\r\n\r\n" + text.substr(0, text.size() - 1) +
-                       ", \"$foreach table [t]\": {\"a\": [{\"b\": \"sql one one\"}, \"c\"]}}"},
+                       ", \"$foreach table [t]\": {\"a\": [{\"b\": \"sql one one\"}, \"c\"]}"
+                       ", \"$foreach none [n]\": {\"a\": \"execute nothing\"}}"},
                       {"HTTP/1.1 201 Created\r\n\r\nthanks"}};
   }
 };
