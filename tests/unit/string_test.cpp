@@ -86,6 +86,16 @@ TEST_F(String, AssignedToItselfReadsAsEmptyAndKeepsItsLength) {
   EXPECT_FALSE(text.strFree());
 }
 
+TEST_F(String, IsJoinedAndMoved) {
+  mirel_string text("ab");
+  mirel_string& moved = text;
+  text += "cd";
+  EXPECT_STREQ("abcd-ab", (text + "-" + "ab").c_str());
+  const mirel_string taken(std::move(text));
+  EXPECT_STREQ("abcd", taken.c_str());
+  EXPECT_TRUE(moved.length() == 0 && *moved.c_str() == '\0');
+}
+
 TEST_F(String, BuilderGrowsGeometrically) {
   mirel_string_builder builder;
   std::string expected;
@@ -95,5 +105,7 @@ TEST_F(String, BuilderGrowsGeometrically) {
   }
   EXPECT_GT(20, platform.count("_ossMemAlloc"));
   EXPECT_EQ(expected, builder.take().c_str());
+  builder.append("one more");
+  builder.removeLast(9);
   EXPECT_STREQ("", builder.take().c_str());
 }
