@@ -12,11 +12,12 @@ if(TARGET mirel_catalog_sqlite)
   install(TARGETS mirel_catalog_sqlite LIBRARY DESTINATION lib/mirel)
 endif()
 set(catalogs ${CMAKE_INSTALL_DATADIR}/mirel)
-install(DIRECTORY catalog/postgresql catalog/instance DESTINATION ${catalogs})
+install(DIRECTORY catalog/postgresql catalog/mariadb catalog/instance DESTINATION ${catalogs})
 install(PROGRAMS catalog/instance/create DESTINATION ${catalogs}/instance)
 install(PROGRAMS catalog/instance/bin/kato catalog/instance/bin/katolevel catalog/instance/bin/katoset
   DESTINATION ${catalogs}/instance/bin)
 install(PROGRAMS catalog/postgresql/instance/create DESTINATION ${catalogs}/postgresql/instance)
+install(PROGRAMS catalog/mariadb/instance/create DESTINATION ${catalogs}/mariadb/instance)
 
 install(FILES CHANGELOG.md LICENSE README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md"

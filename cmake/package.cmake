@@ -16,7 +16,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL mirel)
 set(CPACK_DEBIAN_MIREL_PACKAGE_NAME mirel)
 set(CPACK_DEBIAN_MIREL_PACKAGE_RECOMMENDS "unixodbc, net-tools")
-set(CPACK_DEBIAN_MIREL_PACKAGE_SUGGESTS "libsqliteodbc, odbc-postgresql, nginx")
+set(CPACK_DEBIAN_MIREL_PACKAGE_SUGGESTS "libsqliteodbc, odbc-postgresql, odbc-mariadb, nginx")
 set(CPACK_DEBIAN_MIREL_DESCRIPTION
 "${PROJECT_DESCRIPTION}
 mirel runs on the Linux host of a database instance. It gathers facts about
@@ -24,8 +24,8 @@ the instance, one of its databases, the host and the customer, and prints
 them, writes them to a file or posts them to a collection server as one JSON
 document. A template with small commands says what to collect.
 .
-A database is any data source of unixODBC. SQLite and PostgreSQL answer the
-default template with the catalogs that are part of this package.")
+A database is any data source of unixODBC. SQLite, PostgreSQL and MariaDB
+answer the default template with the catalogs that are part of this package.")
 
 if(TARGET tarn)
   list(APPEND CPACK_COMPONENTS_ALL tarn)

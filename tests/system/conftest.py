@@ -50,6 +50,24 @@ def instance(create, *arguments, **variables):
     return dict(zip(names, shown.splitlines(), strict=True))
 
 
+def facts(name):
+    """Members of a document, each with a query for the engine's own client, from a golden file."""
+    lines = (Path(__file__).parent / "golden" / name).read_text().splitlines()
+    return [line.split(": ", 1) for line in lines if not line.startswith("#")]
+
+
+def check_facts(document, expected, rows, lines):
+    """Holds a document against what the engine's own client prints: rows(query), or the lines of a listing."""
+    asked = dict(expected)
+    found = [fact for fact in document["instanceInfo"] + document["databaseInfo"][0] if fact[0] in asked]
+    for (key, value), (name, query) in zip(found, expected, strict=True):
+        if key.endswith("Raw"):
+            assert (key, [line for line in lines(query) if f"{line}\n" not in value]) == (name, [])
+        else:
+            answer = rows(query)
+            assert (key, value) == (name, answer[0][0][1] if isinstance(value, str) else answer)
+
+
 def members(text):
     """A result document as nested lists of (key, value) pairs: order and duplicate keys are kept."""
     return json.loads(text, object_pairs_hook=list, strict=False)

@@ -1,4 +1,4 @@
-"""Real servers, private to who starts them: PostgreSQL, and the collection server's nginx."""
+"""Real servers, private to who starts them: PostgreSQL, MariaDB, and the collection server's nginx."""
 import os
 import shutil
 import socket
@@ -50,6 +50,42 @@ class PostgreSQL:
         command = ["psql", "-XqA", "-v", "ON_ERROR_STOP=1", "-h", self.folder, "-U", "admin", "-d", database, "-f", "-"]
         return subprocess.run([*command, *arguments], input=script, check=True, stdout=subprocess.PIPE,
                               encoding="utf-8").stdout
+
+
+class MariaDB:
+    """A private server: its socket in `folder`, run by an account that is not root; `admin` may do everything."""
+
+    def __init__(self, folder):
+        self.folder, self.socket = folder, folder / "socket"
+        self.account = []
+        if AS_ROOT:
+            self.account = ["setpriv", "--reuid=mysql", "--regid=mysql", "--clear-groups"]
+            shutil.chown(folder, "mysql", "mysql")
+        self.folder.chmod(0o755)
+        subprocess.run([*self.account, "mariadb-install-db", "--no-defaults", f"--datadir={folder}/data",
+                        "--auth-root-authentication-method=normal", "--skip-test-db"],
+                       cwd=folder, check=True, stdout=subprocess.DEVNULL)
+        self.process = subprocess.Popen(
+            [*self.account, "/usr/sbin/mariadbd", "--no-defaults", f"--datadir={folder}/data",
+             f"--socket={self.socket}", f"--pid-file={folder}/pid", f"--log-error={folder}/log", "--skip-networking"],
+            cwd=folder, stderr=subprocess.DEVNULL)
+        while not self.socket.exists():
+            assert self.process.poll() is None, "MariaDB did not start"
+            time.sleep(0.05)
+        self.client("create user admin@localhost; grant all on *.* to admin@localhost with grant option", user="root")
+        self.client("drop user root@localhost")
+
+    def stop(self):
+        self.process.terminate()
+        self.process.wait()
+
+    def client(self, script, *arguments, user="admin"):
+        command = ["mariadb", "--no-defaults", f"--socket={self.socket}", f"--user={user}", "--batch",
+                   "--default-character-set=utf8mb4"]
+        done = subprocess.run([*command, *arguments], input=script, check=False, capture_output=True, encoding="utf-8")
+        if done.returncode != 0:
+            raise RuntimeError(done.stderr)
+        return done.stdout
 
 
 class Nginx:

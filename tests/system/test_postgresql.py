@@ -7,13 +7,12 @@ import tempfile
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, instance, members
+from conftest import ROOT, check_facts, facts, instance, members
 from conftest import server as collection_server
 from servers import PostgreSQL
 
 GOLDEN = Path(__file__).parent / "golden"
 CATALOG = (ROOT / "catalog/postgresql/mirel_catalog.sql").read_text()
-FACTS = [line.split(": ", 1) for line in (GOLDEN / "postgresql.txt").read_text().splitlines()[1:]]
 FAILURES = dict(members((GOLDEN / "postgresql_failures.json").read_text()))
 SECRETS = """alter system set primary_conninfo = 'password=hunter2'; alter system set archive_command = 'hunter2';
   alter role :"collector" set vault.api_key = 'hunter2'; grant pg_read_all_settings to :"collector";
@@ -72,15 +71,8 @@ def test_default_template_as_an_ordinary_user(mirel, server):
     today = server.rows("select current_date as time")[0]
     result = mirel("-z", "-d", "SHOP", env=environment)
     document = dict(members(result.stdout))
-    facts = [(key, value) for key, value in document["instanceInfo"] + document["databaseInfo"][0]
-             if key in dict(FACTS)]
-    for (key, value), (name, query) in zip(facts, FACTS, strict=True):
-        rows = server.rows(PAGES + query)
-        if key.endswith("Raw"):
-            missing = [line for line in server.psql(query, "-t").splitlines() if f"{line}\n" not in value]
-            assert (key, missing) == (name, [])
-        else:
-            assert (key, value) == (name, rows[0][0][1] if isinstance(value, str) else rows)
+    check_facts(document, facts("postgresql.txt"), lambda query: server.rows(PAGES + query),
+                lambda query: server.psql(query, "-t").splitlines())
     assert dict(document["databaseInfo"][0])["seed"] == str(int.from_bytes(seed, "little")) != "0"
     assert ("TIME", document["tarn_collection_time"]) in today + server.rows("select current_date as time")[0]
     assert (result.returncode, result.stderr.decode()) == (0, "")

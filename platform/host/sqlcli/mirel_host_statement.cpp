@@ -24,21 +24,28 @@ constexpr const char* kPostgresqlVersion = "select current_setting('server_versi
 constexpr std::array<Dialect, 6> kDialects{{
     {.backtickNames = true},
     {.engine = "SQLite",
-     .bareTableFunctions = true,
+     .tableFunctions = TableFunctions::bare,
      .bracketNames = true,
      .backtickNames = true,
      .version = "select sqlite_version()"},
-    {.engine = "MariaDB", .backtickNames = true, .rowByRow = true, .version = "select version()"},
+    {.engine = "MariaDB",
+     .tableFunctions = TableFunctions::views,
+     .namedSubqueries = true,
+     .backtickNames = true,
+     .backslashes = true,
+     .numberSignComments = true,
+     .rowByRow = true,
+     .version = "select version()"},
     {.engine = "PostgreSQL",
      .before = 16,
-     .bareTableFunctions = true,
+     .tableFunctions = TableFunctions::bare,
      .namedSubqueries = true,
      .nestedComments = true,
      .dollarQuotes = true,
      .sessionStart = kPostgresqlSession,
      .version = kPostgresqlVersion},
     {.engine = "PostgreSQL",
-     .bareTableFunctions = true,
+     .tableFunctions = TableFunctions::bare,
      .nestedComments = true,
      .dollarQuotes = true,
      .sessionStart = kPostgresqlSession,
@@ -102,9 +109,14 @@ class Adapter {
 
   /// What an open parenthesis encloses; the outermost level is the statement.
   struct Level {
+    std::size_t begin = 0;      ///< of the parenthesis
     bool inFrom = false;        ///< a comma leads to the next table
     Call call = Call::none;     ///< of a `table(`
     std::size_t firstEdit = 0;  ///< of a `table(`: its edits in m_edits
+    std::size_t function = 0;   ///< of a `table(`: where the function's name begins
+    bool qualified = false;     ///< of a `table(`: that name has its schema
+    std::size_t arguments = 0;  ///< of a `table(`: where the arguments begin, with their parenthesis
+    std::size_t end = 0;        ///< of a `table(`: where they end
     bool atTable = false;       ///< stands where a table does
     bool subquery = false;      ///< begins like a query, and stands there
   };
@@ -121,6 +133,7 @@ class Adapter {
   void name(const Token& next);
   void open(const Token& token);
   bool close(const Token& token);
+  void unwrap(const Level& wrapper, const Token& end);
   void word(const Token& token);
   void follow(const Token& token);
   std::optional<std::string> result() const;
@@ -188,6 +201,7 @@ void Adapter::name(const Token& next) {
 
 void Adapter::open(const Token& token) {
   Level inner;
+  inner.begin = token.begin;
   inner.atTable = m_atTable;
   if (m_wrapper) {
     inner.call = Call::begun;
@@ -212,14 +226,26 @@ bool Adapter::close(const Token& token) {
     return false;
   }
   if (closed.call == Call::complete) {
-    m_edits[closed.firstEdit].confirmed = m_edits[closed.firstEdit + 1].confirmed = true;
-    m_edits.push_back({token.begin, token.end, true});
+    unwrap(closed, token);
   }
   if (m_levels.back().call == Call::open) {
     m_levels.back().call = Call::complete;
+    m_levels.back().arguments = closed.begin;
+    m_levels.back().end = token.end;
   }
   m_nameless = closed.subquery && m_dialect.namedSubqueries ? token.end : 0;
   return true;
+}
+
+/// Takes off a `table(...)` that turned out to hold one call; of that, too, what the engine does not know.
+void Adapter::unwrap(const Level& wrapper, const Token& end) {
+  m_edits[wrapper.firstEdit].confirmed = m_edits[wrapper.firstEdit + 1].confirmed = true;
+  if (m_dialect.tableFunctions == TableFunctions::views) {
+    m_edits.erase(m_edits.begin() + static_cast<std::ptrdiff_t>(wrapper.firstEdit) + 2, m_edits.end());
+    m_edits.push_back({wrapper.function, wrapper.function, !wrapper.qualified, "sysproc."});
+    m_edits.push_back({wrapper.arguments, wrapper.end, true});
+  }
+  m_edits.push_back({end.begin, end.end, true});
 }
 
 /// A token that is no parenthesis.
@@ -231,8 +257,10 @@ void Adapter::follow(const Token& token) {
     const bool isName = token.kind == Token::Kind::name || (isWord && !beginsClause(textOf(token)));
     if (level.call == Call::begun && isName) {
       level.call = Call::named;
+      level.function = level.qualified ? level.function : token.begin;
     } else if (level.call == Call::named && symbol == '.') {
       level.call = Call::begun;
+      level.qualified = true;
     } else {
       level.call = Call::spoiled;
     }
@@ -306,7 +334,7 @@ bool QuotedNames::include(std::string_view reported) const {
 }
 
 std::optional<std::string> adaptStatement(std::string_view statement, const Dialect& dialect) {
-  return dialect.bareTableFunctions ? Adapter(statement, dialect).run() : std::nullopt;
+  return dialect.tableFunctions != TableFunctions::unknown ? Adapter(statement, dialect).run() : std::nullopt;
 }
 
 }  // namespace host

@@ -31,6 +31,9 @@ Token Tokens::next() {
   if (isWordByte(first)) {
     return word();
   }
+  if (m_dialect.backslashes && (first == '\'' || first == '"')) {
+    return escapedText(first == '"' ? Token::Kind::name : Token::Kind::text, m_position + 1, first);
+  }
   if (first == '\'') {
     return quoted(Token::Kind::text, '\'');
   }
@@ -50,7 +53,7 @@ Token Tokens::next() {
 bool Tokens::skipBlanksAndComments() {
   for (;;) {
     m_position = std::min(m_text.find_first_not_of(kBlanks, m_position), m_text.size());
-    if (at("--")) {
+    if (atLineComment()) {
       m_position = std::min(m_text.find('\n', m_position), m_text.size());
     } else if (!at("/*")) {
       return true;
@@ -58,6 +61,15 @@ bool Tokens::skipBlanksAndComments() {
       return false;
     }
   }
+}
+
+bool Tokens::atLineComment() const {
+  if (!m_dialect.numberSignComments) {
+    return at("--");
+  }
+  const std::size_t behind = m_position + 2;
+  return at("#") ||
+         (at("--") && (behind >= m_text.size() || static_cast<unsigned char>(m_text[behind]) <= ' '));
 }
 
 bool Tokens::skipComment() {
@@ -87,7 +99,7 @@ Token Tokens::word() {
     ++end;
   }
   if (m_dialect.dollarQuotes && end == m_position + 1 && (at("E'") || at("e'"))) {
-    return escapedText();
+    return escapedText(Token::Kind::text, m_position + 2, '\'');
   }
   return finish(Token::Kind::word, end);
 }
@@ -103,12 +115,13 @@ Token Tokens::quoted(Token::Kind kind, char quote) {
   return {Token::Kind::torn, m_position, m_text.size()};
 }
 
-Token Tokens::escapedText() {
-  for (std::size_t end = m_position + 2; end < m_text.size(); ++end) {
-    if (m_text[end] == '\\' || (m_text[end] == '\'' && m_text.compare(end + 1, 1, "'") == 0)) {
+/// Up to the closing quote; a doubled one stands for itself, and so does one behind a backslash.
+Token Tokens::escapedText(Token::Kind kind, std::size_t begin, char quote) {
+  for (std::size_t end = begin; end < m_text.size(); ++end) {
+    if (m_text[end] == '\\' || (m_text[end] == quote && m_text.substr(end + 1).starts_with(quote))) {
       ++end;
-    } else if (m_text[end] == '\'') {
-      return finish(Token::Kind::text, end + 1);
+    } else if (m_text[end] == quote) {
+      return finish(kind, end + 1);
     }
   }
   return {Token::Kind::torn, m_position, m_text.size()};

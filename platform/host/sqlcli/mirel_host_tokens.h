@@ -33,9 +33,10 @@ class Tokens {
  private:
   bool skipBlanksAndComments();
   bool skipComment();
+  bool atLineComment() const;
   Token word();
   Token quoted(Token::Kind kind, char quote);
-  Token escapedText();
+  Token escapedText(Token::Kind kind, std::size_t begin, char quote);
   Token dollarText();
   Token finish(Token::Kind kind, std::size_t end);
   bool at(std::string_view expected) const { return m_text.substr(m_position).starts_with(expected); }
