@@ -28,6 +28,9 @@ def mirel(tmp_path):
     return run
 
 
+CUSTOMER = "-n", "Zoë", "-c", "Shop", "-e", "zoë@shop.example", "-r", "AT", "-a", "Ring 1", "-t", "+43 1"
+
+
 @pytest.fixture
 def commands(tmp_path):
     """Makes commands of shell texts in the empty directory; gives the environment that finds them."""
@@ -66,6 +69,31 @@ def check_facts(document, expected, rows, lines):
         else:
             answer = rows(query)
             assert (key, value) == (name, answer[0][0][1] if isinstance(value, str) else answer)
+
+
+def places(document, prefix=""):
+    """The facts of a document with their JSON Pointers; the second member of one name in an object is NAME#2."""
+    keys = []
+    for key, value in document:
+        keys.append(key)
+        place = f"{prefix}/{key}" + (f"#{keys.count(key)}" if keys.count(key) > 1 else "")
+        if key == "databaseInfo":
+            yield from places(value[0], f"{place}/0")
+        elif isinstance(value, list) and value and isinstance(value[0], tuple):
+            yield from places(value, place)
+        else:
+            yield place, value
+
+
+def check_answers(document, engine):
+    """Holds a document of a database with everything in it against docs/answers.md; of the host no more is known."""
+    table = [line.strip("| ").split(" | ") for line in (ROOT / "docs/answers.md").read_text().splitlines()
+             if line.startswith("| ")]
+    column = table[0].index(engine)
+    expected = {row[0].strip("`"): row[column].startswith("answered") for row in table[1:]}
+    found = {place: value not in ("null", "NULL", "", []) for place, value in places(document)}
+    of_host = {place: True for place in found if place.startswith("/platformInfo/")}
+    assert found | of_host == expected
 
 
 def members(text):

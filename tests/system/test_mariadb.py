@@ -5,7 +5,7 @@ import tempfile
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, check_facts, facts, instance, members
+from conftest import CUSTOMER, ROOT, check_answers, check_facts, facts, instance, members
 from servers import MariaDB
 
 SHOP = (Path(__file__).parent / "golden/mariadb_shop.txt").read_text()
@@ -37,9 +37,10 @@ def test_default_template_as_an_ordinary_user(mirel, server, tmp_path):
 
     create = "catalog/mariadb/instance/create", tmp_path / "in stance", f"--socket={server.socket}"
     seeds = [instance(*create), (create[1] / "databases/SHOP/member0000/SQLDBCONF").read_bytes()[36:40]]
-    result = mirel("-z", "-d", "SHOP", env=instance(*create))
+    result = mirel("-z", "-d", "SHOP", *CUSTOMER, env=instance(*create))
     assert (result.returncode, result.stderr.decode()) == (0, "")
     document = dict(members(result.stdout))
+    check_answers(members(result.stdout), "MariaDB")
     check_facts(document, facts("mariadb.txt"), rows, lambda query: server.client(query, "-N").splitlines())
     assert dict(document["databaseInfo"][0])["seed"] == str(int.from_bytes(seeds[1], "little")) != "0"
     assert ("TIME", document["tarn_collection_time"]) in rows("select current_date as time")[0]

@@ -7,7 +7,7 @@ import tempfile
 from pathlib import Path
 
 import pytest
-from conftest import ROOT, check_facts, facts, instance, members
+from conftest import CUSTOMER, ROOT, check_answers, check_facts, facts, instance, members
 from conftest import server as collection_server
 from servers import PostgreSQL
 
@@ -69,8 +69,9 @@ def test_default_template_as_an_ordinary_user(mirel, server):
     seed = (folder / "databases/SHOP/member0000/SQLDBCONF").read_bytes()[36:40]
     environment = instance("catalog/postgresql/instance/create", folder, **where)
     today = server.rows("select current_date as time")[0]
-    result = mirel("-z", "-d", "SHOP", env=environment)
+    result = mirel("-z", "-d", "SHOP", *CUSTOMER, env=environment)
     document = dict(members(result.stdout))
+    check_answers(members(result.stdout), "PostgreSQL")
     check_facts(document, facts("postgresql.txt"), lambda query: server.rows(PAGES + query),
                 lambda query: server.psql(query, "-t").splitlines())
     assert dict(document["databaseInfo"][0])["seed"] == str(int.from_bytes(seed, "little")) != "0"

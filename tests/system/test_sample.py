@@ -6,11 +6,12 @@ import os
 import re
 import shutil
 import sqlite3
+import subprocess
 from contextlib import closing
 from pathlib import Path
 
 import pytest
-from conftest import BUILD, instance, members
+from conftest import BUILD, CUSTOMER, check_answers, check_facts, facts, instance, members
 
 GOLDEN = Path(__file__).parent / "golden" / "sample.json"
 # Other people's databases: how they are made, and what is known of them.
@@ -48,8 +49,19 @@ def masked(text, target):
 def test_the_document(mirel, sample):
     target, environment = sample
     before = (target / "sample.db").read_bytes()
-    run = mirel("-z", "-d", "SAMPLE", env=environment)
+    run = mirel("-z", "-d", "SAMPLE", *CUSTOMER, env=environment)
     assert (run.returncode, run.stderr) == (0, b"")
+    check_answers(members(run.stdout), "SQLite")
+
+    def lines(query, *options):
+        shown = ["sqlite3", "-batch", "-init", "/dev/null", *options, target / "sample.db", query]
+        return subprocess.check_output(shown, text=True).splitlines()
+
+    def rows(query):
+        names, *cells = [line.split("|") for line in lines(query, "-header")]
+        return [list(zip(map(str.upper, names), row)) for row in cells]
+
+    check_facts(dict(members(run.stdout)), facts("sqlite.txt"), rows, lines)
     assert (target / "sample.db").read_bytes() == before
     document = masked(run.stdout.decode(), target)
     if os.environ.get("MIREL_UPDATE_GOLDEN"):
@@ -84,5 +96,5 @@ def test_strangers(mirel, sample, tmp_path, name):
     file = tmp_path / "stranger.db"
     with closing(sqlite3.connect(file)) as db:
         db.executescript("".join(stranger["sql"]))
-    facts = collect(mirel, sample, file)
-    assert [(key, facts[key]) for key, _ in stranger["facts"]] == stranger["facts"]
+    found = collect(mirel, sample, file)
+    assert [(key, found[key]) for key, _ in stranger["facts"]] == stranger["facts"]
