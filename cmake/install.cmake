@@ -20,7 +20,7 @@ install(PROGRAMS catalog/postgresql/instance/create DESTINATION ${catalogs}/post
 install(PROGRAMS catalog/mariadb/instance/create DESTINATION ${catalogs}/mariadb/instance)
 
 install(FILES CHANGELOG.md LICENSE README.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md"
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
   PATTERN facts.md EXCLUDE)
 set(examples ${CMAKE_INSTALL_DOCDIR}/examples)
 install(DIRECTORY deploy/collection-server deploy/systemd DESTINATION ${examples})

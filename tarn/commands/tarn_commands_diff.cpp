@@ -3,6 +3,7 @@
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_facts.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/compare/tarn_compare_print.h"
@@ -13,6 +14,7 @@ namespace {
 
 struct DiffOptions {
   std::string before, after;
+  std::vector<std::string> facts;
   bool all = false, json = false;
 };
 
@@ -66,6 +68,10 @@ Outcome diff(const DiffOptions& options, Console& console) {
     console.trouble("only one document can be standard input");
     return Outcome::nothing;
   }
+  const std::optional<Facts> facts = loadFacts(options.facts, console);
+  if (!facts) {
+    return Outcome::nothing;
+  }
   const std::optional<Tree> before = readTree(console, options.before);
   const std::optional<Tree> after = readTree(console, options.after);
   if (!before || !after) {
@@ -77,7 +83,7 @@ Outcome diff(const DiffOptions& options, Console& console) {
     return Outcome::something;
   }
   const bool inColour = console.outputIsTerminal() && getenv("NO_COLOR") == nullptr;
-  const Comparison comparison(*before, *after, Facts::builtIn(), {options.all});
+  const Comparison comparison(*before, *after, *facts, {options.all});
   for (const Change& change : comparison.changes()) {
     if (options.json) {
       console.bytes(asJsonLine(kMembers, Record{comparison, change, comparison.route(change)}));
@@ -94,6 +100,7 @@ void declareOptions(CLI::App& app, DiffOptions& options) {
   app.add_option("NEW", options.after, "The document after")->required();
   app.add_flag("--all", options.all, "Also facts that change by themselves, and what moved among its like");
   app.add_flag("--json", options.json, "Print an object for each change");
+  declareFacts(app, options.facts);
 }
 
 constexpr const char* kText =

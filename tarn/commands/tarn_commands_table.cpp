@@ -3,6 +3,7 @@
 namespace tarn {
 
 Command diffCommand();
+Command pageCommand();
 Command redactCommand();
 Command restoreCommand();
 Command showCommand();
@@ -16,6 +17,7 @@ const std::vector<Command>& commands() {
       strictCommand(),
       statusCommand(),
       showCommand(),
+      pageCommand(),
       diffCommand(),
       redactCommand(),
       restoreCommand(),
