@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fstream>
+#include <iterator>
 #include <string>
 
 /// A document of about `size` bytes as the collector writes it: an array of rows of eight short columns.
@@ -14,4 +16,15 @@ inline std::string document(long size) {
     text += ",\n" + row;
   }
   return text + "\n  ]\n}";
+}
+
+/// The same size in documents of the sample instance.
+inline std::string sampleDocument(long size) {
+  std::ifstream file(MIREL_BENCH_SAMPLE);
+  const std::string sample{std::istreambuf_iterator<char>(file), {}};
+  std::string text = "[\n" + sample;
+  while (text.size() + sample.size() < static_cast<unsigned long>(size)) {
+    text += ",\n" + sample;
+  }
+  return text + "\n]";
 }

@@ -4,8 +4,14 @@
 ///     mirel_bench_memory rows DATASOURCE NUMBER      `sql array` through to its text
 ///     mirel_bench_memory drained DATASOURCE NUMBER   the driver's part of that
 ///     mirel_bench_memory execute COMMAND             a command's output through to its text
+///     mirel_bench_memory tarn COMMAND FILE           a command of tarn, its output thrown away
+///     mirel_bench_memory tree FILE                   a document's tree
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -16,6 +22,9 @@
 #include "db/mirel_db_connection.h"
 #include "json/mirel_json_value.h"
 #include "platform/services.h"
+#include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_program.h"
+#include "tarn/document/tarn_document_tree.h"
 
 namespace {
 
@@ -26,10 +35,33 @@ unsigned long rows(const char* dataSource, const std::string& sql) {
   return all->stringify(0).length();
 }
 
+unsigned long sizeOf(const char* path) {
+  return static_cast<unsigned long>(std::ifstream(path, std::ios::ate).tellg());
+}
+
+unsigned long tarnCommand(int count, char** arguments) {
+  tarn::Console console(STDIN_FILENO, open("/dev/null", O_WRONLY), STDERR_FILENO);
+  return tarn::runProgram(count - 1, arguments + 1, console) == 0 ? sizeOf(arguments[count - 1]) : 0;
+}
+
+unsigned long tree(const char* path) {
+  std::ifstream file(path);
+  std::string bytes(sizeOf(path), '\0');
+  file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  const tarn::Tree tree(std::move(bytes));
+  return tree.ending().state == tarn::State::whole ? sizeOf(path) : 0;
+}
+
 unsigned long work(int count, char** arguments) {
   const std::string kind = count > 2 ? arguments[1] : "";
   if (kind == "execute") {
     return PrimitiveValue(executeGet(arguments[2])).stringify(0).length();
+  }
+  if (kind == "tree") {
+    return tree(arguments[2]);
+  }
+  if (kind == "tarn") {
+    return tarnCommand(count, arguments);
   }
   if (kind.empty() || count < 4) {
     return 0;

@@ -1,11 +1,15 @@
-/// What a user would write instead: plain loops. A program of its own, with nothing of ours in it.
+/// What a user would write instead: plain loops, and RapidJSON's events. A program of its own, with nothing
+/// of ours in it.
 
 #include <benchmark/benchmark.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
 
 #include <cstdio>
 #include <cstring>
 #include <string>
 
+#include "bench/mirel_bench_document.h"
 #include "bench/mirel_bench_output.h"
 #include "bench/mirel_bench_rows.h"
 #include "bench/mirel_bench_server.h"
@@ -13,6 +17,16 @@
 #include "bench/mirel_bench_sql_bare.h"
 
 namespace {
+
+void saxRapidJson(benchmark::State& state, std::string (*document)(long)) {
+  const std::string text = document(state.range(0));
+  for (auto round : state) {
+    rapidjson::Reader reader;
+    rapidjson::MemoryStream stream(text.data(), text.size());
+    rapidjson::BaseReaderHandler<> nobody;
+    benchmark::DoNotOptimize(reader.Parse(stream, nobody).IsError());
+  }
+}
 
 /// A command's output, read as the manual page of fgets(3) suggests, escaped and quoted.
 void executePlain(benchmark::State& state, std::string (*output)(long)) {
@@ -80,6 +94,8 @@ void bareReceives(benchmark::State& state) {
 
 }  // namespace
 
+BENCHMARK_CAPTURE(saxRapidJson, rows, document)->Arg(10'000)->Arg(100'000'000);
+BENCHMARK_CAPTURE(saxRapidJson, sample, sampleDocument)->Arg(100'000'000);
 BENCHMARK_CAPTURE(executePlain, shortLines, shortLines)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
 BENCHMARK_CAPTURE(executePlain, oneLine, oneLine)->Arg(10'000)->Arg(100'000'000)->UseRealTime();
 BENCHMARK_CAPTURE(bareLoop, sqlite, "SQLITE")->RangeMultiplier(10)->Range(10'000, 1'000'000)->UseRealTime();

@@ -115,17 +115,17 @@ void rewrite(Console& console, Part& part, const StrictOptions& options, std::ui
   Path path(options.unique ? Path::Repeated::numbered : Path::Repeated::ignored);
   StrictLine line(path);
   StrictLayout layout(path, from);
-  StrictWriter& writer = options.lines ? static_cast<StrictWriter&>(line) : layout;
-  Reader reader(writer, path);
+  StrictWriter* const writer = options.lines ? static_cast<StrictWriter*>(&line) : &layout;
+  Reader reader(*writer, path);
   for (std::string_view block = part.next(); !block.empty(); block = part.next()) {
-    writer.begin(block, part.offset());
+    writer->begin(block, part.offset());
     reader.feed(block);
-    writer.end(reader.told());
-    console.bytes(writer.out);
-    writer.out.clear();
+    writer->end(reader.told());
+    console.bytes(writer->out);
+    writer->out.clear();
   }
   reader.finish();
-  console.bytes(writer.out);
+  console.bytes(writer->out);
 }
 
 void write(Console& console, const std::string& file, Source& source, const StrictOptions& options,

@@ -2,9 +2,9 @@
 /// Tells the members of one name in an object apart: the first keeps it, a later one is `NAME#2` or the next
 /// number whose name is free so far, be it that a member was called that.
 ///
-/// Names are remembered by a 64-bit hash under a key of the process (SipHash), 24 bytes for each name of the
-/// objects that are open: nobody can make two names meet, and chance does so once in a hundred thousand
-/// objects of ten million members.
+/// Names are remembered by a 64-bit hash under a key of the process (SipHash), about 35 bytes for each name
+/// of the objects that are open: nobody can make two names meet, and chance does so once in a hundred
+/// thousand objects of ten million members.
 
 #include <cstdint>
 #include <string_view>
