@@ -46,7 +46,7 @@ bool RedactMap::add(RedactKind kind, std::string original, std::string pseudonym
   if (m_byOriginal.contains(original) || m_byPseudonym.contains(pseudonym)) {
     return false;
   }
-  const Pair& pair = m_pairs.emplace_back(kind, std::move(original), std::move(pseudonym));
+  const Pair& pair = m_pairs.emplace_back(Pair{kind, std::move(original), std::move(pseudonym)});
   m_byOriginal.emplace(pair.original, &pair);
   m_byPseudonym.emplace(pair.pseudonym, &pair);
   return true;
