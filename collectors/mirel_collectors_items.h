@@ -27,10 +27,10 @@ mirel_string answerOf(const Item<From> (&items)[count], const From& from, const 
 /// The words of a table, for whoever checks templates.
 using ItemWords = std::vector<const char*>;
 
-template <class From, unsigned long count>
-ItemWords wordsOf(const Item<From> (&items)[count]) {
+template <class Row, unsigned long count>
+ItemWords wordsOf(const Row (&rows)[count]) {
   ItemWords words;
-  for (const Item<From>& row : items) {
+  for (const Row& row : rows) {
     words.push_back(row.word);
   }
   return words;

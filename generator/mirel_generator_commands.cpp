@@ -118,11 +118,7 @@ void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
 }
 
 ItemWords Generator::commandWords() {
-  ItemWords words;
-  for (const Command& command : kCommands) {
-    words.push_back(command.word);
-  }
-  return words;
+  return wordsOf(kCommands);
 }
 
 void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {
@@ -155,9 +151,5 @@ Value* Generator::sql(const mirel_string& rest) {
 }
 
 ItemWords Generator::sqlKinds() {
-  ItemWords words;
-  for (const SqlKind& kind : kSqlKinds) {
-    words.push_back(kind.word);
-  }
-  return words;
+  return wordsOf(kSqlKinds);
 }

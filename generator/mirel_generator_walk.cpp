@@ -82,11 +82,7 @@ const Generator::Variable Generator::s_variables[] = {
 };
 
 ItemWords Generator::foreachVariables() {
-  ItemWords words;
-  for (const Variable& row : s_variables) {
-    words.push_back(row.word);
-  }
-  return words;
+  return wordsOf(s_variables);
 }
 
 void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {

@@ -10,6 +10,7 @@ Command showCommand();
 Command statusCommand();
 Command strictCommand();
 Command templateCommand();
+Command checkCommand();
 
 const std::vector<Command>& commands() {
   // clang-format off
