@@ -79,7 +79,7 @@ void declareOptions(CLI::App& app, CheckOptions& options) {
   for (const Rule& rule : rules()) {
     known.insert(rule.id);
   }
-  app.add_option("TEMPLATE", options.files, "Templates; - is standard input")->required()->type_name("");
+  app.add_option("TEMPLATE", options.files, "Templates; - is standard input")->required()->type_name("FILE");
   app.add_option("--allow", options.allowed, "Leave this rule out; may be repeated")
       ->type_name("RULE")
       ->check(CLI::IsMember(known).description(""))

@@ -11,6 +11,8 @@ Command statusCommand();
 Command strictCommand();
 Command templateCommand();
 Command checkCommand();
+Command planCommand();
+Command tryCommand();
 
 const std::vector<Command>& commands() {
   // clang-format off
@@ -23,6 +25,9 @@ const std::vector<Command>& commands() {
       redactCommand(),
       restoreCommand(),
       templateCommand(),
+      checkCommand(),
+      planCommand(),
+      tryCommand(),
   };
   // clang-format on
   return all;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <deque>
 #include <unordered_map>
 
 #include "json/mirel_json_scan.h"
@@ -138,10 +139,12 @@ void escape(const Site& site, Findings& findings) {
 void repeatedName(const Site& site, Findings& findings) {
   const std::vector<TemplateNode>& nodes = site.source.nodes();
   const auto first = static_cast<std::size_t>(site.node - nodes.data()) + 1;
-  std::unordered_map<std::string, std::size_t> seen;
+  std::deque<std::string> kept;
+  std::unordered_map<std::string_view, std::size_t> seen;
   for (std::size_t index = first; index < site.node->end; index = nodes[index].end) {
     const Raw key = site.source.key(nodes[index]);
-    const std::string name = nameInResult(key);
+    const bool isPlain = key.text.find_first_of(" \\") == std::string_view::npos;
+    const std::string_view name = isPlain ? key.text : kept.emplace_back(nameInResult(key));
     const auto [former, isNew] = seen.emplace(name, key.offset);
     if (!isNew) {
       const Place place = site.source.place(former->second);

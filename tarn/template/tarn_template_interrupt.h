@@ -1,0 +1,18 @@
+#pragma once
+/// Ctrl-C while a template is tried: the first one ends the command at work, the second one the program.
+
+namespace tarn {
+
+/// Takes interrupts for its own lifetime. One at a time.
+class Interrupt {
+ public:
+  Interrupt();
+  ~Interrupt();
+  Interrupt(const Interrupt&) = delete;
+  Interrupt& operator=(const Interrupt&) = delete;
+
+  /// How many came. The processes that were started here have been killed when it grows.
+  static int count();
+};
+
+}  // namespace tarn
