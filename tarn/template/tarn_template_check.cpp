@@ -1,6 +1,7 @@
 #include "tarn/template/tarn_template_check.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tarn {
 
@@ -28,7 +29,7 @@ class Checker {
     std::vector<Finding>& all = m_findings.all();
     std::stable_sort(all.begin(), all.end(),
                      [](const Finding& one, const Finding& other) { return one.offset < other.offset; });
-    return std::move(all);
+    return std::exchange(all, {});
   }
 
  private:

@@ -42,7 +42,7 @@ class TemplateReader {
   }
 
  private:
-  bool object(TemplateNode node) {
+  bool object(const TemplateNode& node) {
     const std::uint32_t index = add(node, NodeType::object);
     if (!open(openBrace)) {
       return false;
@@ -57,7 +57,7 @@ class TemplateReader {
     return close(closeBrace, index);
   }
 
-  bool array(TemplateNode node) {
+  bool array(const TemplateNode& node) {
     const std::uint32_t index = add(node, NodeType::array);
     if (!open(openBracket)) {
       return false;
