@@ -19,7 +19,7 @@ const char* nameOf(Level level);
 
 /// Whether a key is one that the collector repeats its member for.
 bool isRepeat(const Words& words);
-/// The name of a member in the result. `key` keeps the text where it is not a part of the source.
+/// The name of a member in the result.
 std::string nameInResult(const Raw& key);
 
 }  // namespace tarn

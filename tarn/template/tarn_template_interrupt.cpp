@@ -16,7 +16,7 @@ namespace tarn {
 
 namespace {
 
-std::atomic<int> interrupts = 0;
+std::atomic<int> interrupts = 0, served = 0;
 int ends[2] = {-1, -1};
 struct sigaction before = {};
 std::thread killer;
@@ -55,21 +55,25 @@ void serve() {
   char sign = '\0';
   while (read(ends[0], &sign, 1) == 1 && sign != '\0') {
     killBelow(getpid(), childrenByParent());
-    if (++interrupts > 1) {
+    if (served > 0) {
       signal(SIGINT, SIG_DFL);
       kill(getpid(), SIGINT);
     }
+    ++served;
+    served.notify_one();
   }
 }
 
+/// Counts here: what a terminal ends together with us must not look as if it had ended by itself.
 void passOn(int) {
+  ++interrupts;
   [[maybe_unused]] const ssize_t written = write(ends[1], "!", 1);
 }
 
 }  // namespace
 
 Interrupt::Interrupt() {
-  interrupts = 0;
+  interrupts = served = 0;
   if (pipe2(ends, O_CLOEXEC) != 0) {
     return;  // an interrupt ends the program, then
   }
@@ -98,6 +102,12 @@ Interrupt::~Interrupt() {
 
 int Interrupt::count() {
   return interrupts;
+}
+
+void Interrupt::settle() {
+  for (int seen = served; seen < interrupts; seen = served) {
+    served.wait(seen);
+  }
 }
 
 }  // namespace tarn

@@ -11,8 +11,10 @@ class Interrupt {
   Interrupt(const Interrupt&) = delete;
   Interrupt& operator=(const Interrupt&) = delete;
 
-  /// How many came. The processes that were started here have been killed when it grows.
+  /// How many came. The processes that were started here are killed for each.
   static int count();
+  /// Waits until that is done, so that it does not hit what is started next.
+  static void settle();
 };
 
 }  // namespace tarn

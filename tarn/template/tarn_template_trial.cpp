@@ -117,6 +117,7 @@ class Recorder final : public Witness, public WalkSink {
   }
 
   void finish(const std::string& pointer, const Value* answer) {
+    Interrupt::settle();
     m_attempt.pointer = pointer;
     m_attempt.answer = answer;
     m_attempt.seconds = std::chrono::duration<double>(Clock::now() - m_began).count();

@@ -80,6 +80,14 @@ An interrupt ends the command, and the run goes on; a second one ends the run.
     "a": "one\n",
     "b": "two\n"
   } (no-eol)
+  $ echo '{"a": "execute sleep 60", "b": "execute echo two"}' >group.json
+  $ bash -c 'set -m; tarn try group.json & sleep 1; kill -INT -- -$!; wait' 2>/dev/null
+  /a: execute sleep 60* (glob)
+    (empty)
+    ! status 13[07] (re)
+    - ended by an interrupt
+  /b: execute echo two
+    two
   $ echo '{"a": "execute sleep 61", "b": "execute sleep 62"}' >hang.json
   $ bash -c 'tarn try hang.json -o none.out & sleep 1; kill -INT $!; sleep 1; kill -INT $!; wait $!' 2>/dev/null
   /a: execute sleep 61* (glob)
