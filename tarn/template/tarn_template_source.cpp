@@ -11,15 +11,8 @@ namespace tarn {
 
 namespace {
 
-using enum JsonTokenType;
-
-constexpr const char* kTokenNames[] = {"{", "}", "[", "]", ",", ":", "string"};
 constexpr std::string_view kPunctuation = "{}[],:";
 constexpr std::size_t kDeepest = 1000;
-
-const char* nameOf(JsonTokenType type) {
-  return kTokenNames[static_cast<int>(type)];
-}
 
 }  // namespace
 
@@ -31,12 +24,12 @@ class TemplateReader {
       : m_source(source), m_text(source.m_bytes.data()), m_size(source.m_bytes.size()) {}
 
   void read() {
-    if (nextTokenIs(openBrace)) {
+    if (nextTokenIs(tokenOpenBrace)) {
       object({});
-    } else if (nextTokenIs(openBracket)) {
+    } else if (nextTokenIs(tokenOpenBracket)) {
       array({});
     } else {
-      fail({openBrace, openBracket});
+      fail({tokenOpenBrace, tokenOpenBracket});
     }
     m_source.m_end = std::min(m_position, m_size);
   }
@@ -44,25 +37,25 @@ class TemplateReader {
  private:
   bool object(const TemplateNode& node) {
     const std::uint32_t index = add(node, NodeType::object);
-    if (!open(openBrace)) {
+    if (!open(tokenOpenBrace)) {
       return false;
     }
-    if (nextTokenIs(closeBrace)) {
+    if (nextTokenIs(tokenCloseBrace)) {
       return leaveEmpty(index);
     }
     bool more = true;
     do {
       more = pair(index);
-    } while (more && nextTokenIs(comma) && consume());
-    return close(closeBrace, index);
+    } while (more && nextTokenIs(tokenComma) && consume());
+    return close(tokenCloseBrace, index);
   }
 
   bool array(const TemplateNode& node) {
     const std::uint32_t index = add(node, NodeType::array);
-    if (!open(openBracket)) {
+    if (!open(tokenOpenBracket)) {
       return false;
     }
-    if (nextTokenIs(closeBracket)) {
+    if (nextTokenIs(tokenCloseBracket)) {
       return leaveEmpty(index);
     }
     bool more = true;
@@ -70,35 +63,35 @@ class TemplateReader {
       TemplateNode element;
       element.parent = index;
       more = value(element);
-    } while (more && nextTokenIs(comma) && consume());
-    return close(closeBracket, index);
+    } while (more && nextTokenIs(tokenComma) && consume());
+    return close(tokenCloseBracket, index);
   }
 
   bool pair(std::uint32_t parent) {
     TemplateNode member;
-    if (!expect(string)) {
+    if (!expect(tokenString)) {
       return false;
     }
     member.parent = parent;
     member.isMember = true;
-    member.keyBegin = beginOf(m_token.string);
-    member.keyLength = m_token.string.length;
-    return expect(colon) && value(member);
+    member.keyBegin = beginOf(m_contents);
+    member.keyLength = m_contents.contents.size();
+    return expect(tokenColon) && value(member);
   }
 
   bool value(TemplateNode node) {
-    if (nextTokenIs(openBrace)) {
+    if (nextTokenIs(tokenOpenBrace)) {
       return object(node);
     }
-    if (nextTokenIs(openBracket)) {
+    if (nextTokenIs(tokenOpenBracket)) {
       return array(node);
     }
-    if (!nextTokenIs(string)) {
-      return fail({openBrace, openBracket, string});
+    if (!nextTokenIs(tokenString)) {
+      return fail({tokenOpenBrace, tokenOpenBracket, tokenString});
     }
     consume();
-    node.begin = beginOf(m_token.string);
-    node.length = m_token.string.length;
+    node.begin = beginOf(m_contents);
+    node.length = m_contents.contents.size();
     add(node, NodeType::text);
     return true;
   }
@@ -118,7 +111,7 @@ class TemplateReader {
 
   bool open(JsonTokenType bracket) {
     if (nextTokenIs(bracket) && m_open.size() == kDeepest) {
-      fail({string});
+      fail({tokenString});
       m_source.m_error->tooDeep = true;
       return false;
     }
@@ -138,8 +131,8 @@ class TemplateReader {
     if (m_source.m_error) {
       return false;
     }
-    if (atEnd() || (m_token.type != bracket && m_token.type != comma)) {
-      return fail({comma, closeBracket});
+    if (atEnd() || (m_type != bracket && m_type != tokenComma)) {
+      return fail({tokenComma, tokenCloseBracket});
     }
     m_open.pop_back();
     return nextTokenIs(bracket) && consume();
@@ -153,11 +146,11 @@ class TemplateReader {
       m_seenToken = recognise();
       m_seen = m_position;
     }
-    return m_seenToken && m_token.type == expected;
+    return m_seenToken && m_type == expected;
   }
 
   bool consume() {
-    m_position += m_token.length;
+    m_position += m_length;
     return true;
   }
 
@@ -173,7 +166,7 @@ class TemplateReader {
     const char character = m_size == 0 ? '\0' : m_text[std::min(m_position, m_size - 1)];
     if (atEnd()) {
       if (character == '"') {
-        m_token = {string, 2, {}};
+        setString(2, {});
       }
       return false;
     }
@@ -184,26 +177,31 @@ class TemplateReader {
     if (type == std::string_view::npos) {
       return false;
     }
-    m_token.type = static_cast<JsonTokenType>(type);
-    m_token.length = 1;
+    m_type = static_cast<JsonTokenType>(type);
+    m_length = 1;
     return true;
+  }
+
+  void setString(std::size_t length, const RawString& contents) {
+    m_type = tokenString;
+    m_length = length;
+    m_contents = contents;
   }
 
   bool recogniseString() {
     m_string = m_position;
     const char* const end = m_text + m_size;
-    RawString found;
-    scanString(m_text + m_position + 1, end, &found);
+    const RawString found = scanString(m_text + m_position + 1, end);
     if (found.end() == end && end[-1] != '"') {
       m_position = m_size;
       return false;
     }
-    m_token = {string, found.length + 2, found};
+    setString(found.contents.size() + 2, found);
     return true;
   }
 
   std::size_t beginOf(const RawString& found) const {
-    return static_cast<std::size_t>(found.contents - m_text);
+    return static_cast<std::size_t>(found.contents.data() - m_text);
   }
   bool atEnd() const { return m_position >= m_size; }
 
@@ -218,9 +216,9 @@ class TemplateReader {
     error.place = {m_position, m_source.m_lines.size(), m_position - m_source.m_lines.back() + 1};
     for (const JsonTokenType type : expected) {
       error.line += error.line.empty() ? "Expecting one of: (\"" : ", \"";
-      error.line += nameOf(type);
+      error.line += TokenStrings[type];
       error.line += '"';
-      error.expected += *nameOf(type);
+      error.expected += *TokenStrings[type];
     }
     error.line += "); Actual: " + actual() + " on line " + std::to_string(error.place.line) + " column " +
                   std::to_string(error.place.column);
@@ -228,8 +226,8 @@ class TemplateReader {
   }
 
   std::string actual() const {
-    const std::string text = m_token.type == string ? std::string("string \"") + m_token.string.text().c_str()
-                                                    : std::string("\"") + nameOf(m_token.type);
+    const std::string text = m_type == tokenString ? "string \"" + unescaped(m_contents.contents)
+                                                   : std::string("\"") + TokenStrings[m_type];
     return text + '"';
   }
 
@@ -237,7 +235,9 @@ class TemplateReader {
   const char* m_text;
   std::size_t m_size;
   std::size_t m_position = 0;
-  Token m_token;
+  JsonTokenType m_type = tokenString;
+  std::size_t m_length = 0;
+  RawString m_contents;      ///< of the last string token
   std::size_t m_string = 0;  ///< opening quote of the last string
   std::vector<std::size_t> m_open;
   std::size_t m_seen = std::string::npos;  ///< position that was looked at last, ...
@@ -261,7 +261,7 @@ std::string unescaped(std::string_view raw) {
   if (raw.find('\\') == std::string_view::npos) {
     return std::string(raw);
   }
-  return RawString{raw.data(), raw.size(), false}.text().c_str();
+  return undoEscapes(raw).c_str();
 }
 
 }  // namespace tarn

@@ -1,6 +1,6 @@
 #include "tarn/template/tarn_template_walk.h"
 
-#include "json/mirel_json_scan.h"
+#include "json/mirel_json_writer.h"
 #include "tarn/document/tarn_document_path.h"
 
 namespace tarn {
@@ -8,7 +8,8 @@ namespace tarn {
 namespace {
 
 mirel_string textOf(const Raw& raw) {
-  return RawString{raw.text.data(), raw.text.size(), raw.text.find('\\') == std::string_view::npos}.text();
+  const bool isPlain = raw.text.find('\\') == std::string_view::npos;
+  return isPlain ? mirel_string(raw.text.data(), raw.text.size()) : undoEscapes(raw.text);
 }
 
 bool hasBlank(const Raw& raw) {
