@@ -75,6 +75,7 @@ class mirel_string {
   bool operator==(const mirel_string& other) const;
   /// The same without an allocation.
   template <std::same_as<const char*> Text>
+  // cppcheck-suppress passedByValue
   bool operator==(Text other) const {
     return equals(other);
   }
