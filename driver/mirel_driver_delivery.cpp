@@ -68,7 +68,7 @@ unsigned int writeToFile(const mirel_string& path, const mirel_string& text) {
     return opened;
   }
   unsigned long written = 0;
-  if (file.write(&whole, &written) != 0 || file.sync() != 0) {
+  if (file.write(&whole, &written) != 0 || written != text.length() || file.sync() != 0) {
     complain("failed to write to the result file");
   }
   return file.close();

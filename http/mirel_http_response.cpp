@@ -108,7 +108,7 @@ void HttpResponse::readStatus() {
 
 void HttpResponse::readHeader() {
   if (const char* value = valueOf(m_line, "Transfer-Encoding")) {
-    m_chunked = strcasecmp(value, "chunked") == 0;
+    m_chunked = strncasecmp(value, "chunked", 7) == 0 && value[7 + strspn(value + 7, " \t")] == '\0';
     m_contradictory = m_contradictory || !m_chunked;
   } else if (const char* length = valueOf(m_line, "Content-Length")) {
     unsigned long bytes = 0;
