@@ -117,6 +117,7 @@ class Redaction {
     } while (!block.empty() && collector.feed(block));
     const Ending ending = collector.finish();
     m_redacted.push_back(collector.redacted());
+    m_logs.push_back(collector.takeLog());
     if (!source.problem() && ending.state != State::whole) {
       m_console.problem(file, ending.place, troubleOf(ending));
       m_outcome = Outcome::something;
@@ -126,18 +127,19 @@ class Redaction {
 
   bool rewriteAll() {
     for (std::size_t at = 0; at < m_options.files.size(); ++at) {
-      if (!rewrite(m_options.files[at], m_sources[at], m_redacted[at], m_outputs.at(at))) {
+      if (!rewrite(at, m_options.files[at], m_sources[at], m_outputs.at(at))) {
         return false;
       }
     }
     return true;
   }
 
-  bool rewrite(const std::string& file, Source& source, RedactKinds redacted, Output& output) {
+  bool rewrite(std::size_t at, const std::string& file, Source& source, Output& output) {
     // What --also names is a customer's, and no form finds any other.
     const RedactKinds wanted = RedactKinds(m_wanted).set(indexOf(RedactKind::customer));
-    Rewriter rewriter(m_patterns, m_words, wanted, redacted, &m_map,
+    Rewriter rewriter(m_patterns, m_words, wanted, m_redacted[at], &m_map,
                       [&output](std::string_view bytes) { output.write(bytes); });
+    rewriter.replay(m_logs[at]);
     source.rewind();
     for (std::string_view block = nextBlock(m_console, file, source); !block.empty() && !output.problem();
          block = nextBlock(m_console, file, source)) {
@@ -176,6 +178,7 @@ class Redaction {
   RedactMapFile m_mapFile;
   std::deque<Source> m_sources;
   std::vector<RedactKinds> m_redacted;  ///< by file
+  std::vector<SpanLog> m_logs;          ///< by file
   Outputs m_outputs;
   RedactCounts m_counts = {};
   Outcome m_outcome = Outcome::nothing;

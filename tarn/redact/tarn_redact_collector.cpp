@@ -87,6 +87,7 @@ void Collector::declare(RedactKind kind, std::string_view text) {
 
 void Collector::look(std::string_view bytes, const std::vector<Span>& spans) {
   for (const Span& span : spans) {
+    m_log.add(m_seen + span.offset, span);
     if (span.kind <= RedactKind::mac) {
       lookAtAddress(bytes, span);
     } else if (!span.pseudonym && span.kind != RedactKind::email) {
@@ -95,6 +96,7 @@ void Collector::look(std::string_view bytes, const std::vector<Span>& spans) {
       declare(span.kind, isName ? bytes.substr(span.offset, span.length) : "");
     }
   }
+  m_seen += bytes.size();
 }
 
 void Collector::lookAtAddress(std::string_view bytes, const Span& span) {

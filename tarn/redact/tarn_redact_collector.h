@@ -8,6 +8,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tarn/document/tarn_document_reader.h"
 #include "tarn/facts/tarn_facts_table.h"
@@ -26,6 +27,8 @@ class Collector : private DocumentSink {
 
   /// Families of which all addresses lie where pseudonyms do: the document was redacted before.
   RedactKinds redacted() const { return ~m_originals; }
+  /// What the forms found, for the second pass.
+  SpanLog takeLog() { return std::move(m_log); }
 
  private:
   bool text(const Piece& piece, const Place&) override;
@@ -42,6 +45,8 @@ class Collector : private DocumentSink {
   Path m_path;
   Reader m_reader;
   Scanner m_scanner;
+  SpanLog m_log;
+  std::uint64_t m_seen = 0;      ///< bytes that were looked at
   std::size_t m_deepest = 0;     ///< level of the deepest place that declares something
   const Fact* m_fact = nullptr;  ///< of the text that is being read, if it declares something
   std::string m_value;           ///< that text

@@ -25,6 +25,8 @@ class Rewriter {
   Rewriter(const Patterns& patterns, const Words& words, RedactKinds wanted, RedactKinds redacted,
            RedactMap* map, Write write);
 
+  /// The document's forms from the first pass (Collector::takeLog); not owned.
+  void replay(const SpanLog& log) { m_scanner.replay(log); }
   void feed(std::string_view block) { m_scanner.feed(block); }
   void finish();
 

@@ -48,10 +48,20 @@ void Scanner::feed(std::string_view block) {
   }
 }
 
-std::vector<Span> Scanner::spansFrom(std::size_t begin) const {
+void Scanner::replay(const SpanLog& log) {
+  if (log.isWhole()) {
+    m_log.emplace(log);
+  }
+}
+
+std::vector<Span> Scanner::spansFrom(std::size_t begin) {
   std::vector<Span> spans;
   const std::size_t from = begin == 0 ? 0 : betweenWords(m_text, 0, begin - std::min(begin, kContext));
-  m_patterns.find(m_text, from, &spans);
+  if (m_log) {
+    m_log->read(m_base, m_base + begin, m_base + m_text.size(), &spans);
+  } else {
+    m_patterns.find(m_text, from, &spans);
+  }
   m_words.find(m_text, from, &spans);
   std::erase_if(spans, [&](const Span& span) {
     return span.offset < begin || (!span.pseudonym && !m_wanted[indexOf(span.kind)]);
@@ -100,6 +110,7 @@ void Scanner::scan(bool last) {
   m_bytes.erase(0, gone);
   m_text.erase(0, gone);
   m_told = cut - gone;
+  m_base += gone;
 }
 
 }  // namespace tarn
