@@ -34,7 +34,7 @@ bool canBeReplaced(const std::string& path) {
 /// Where a symbolic link leads, so that the link stays and its file is replaced.
 std::string resolved(const std::string& path) {
   char* const found = realpath(path.c_str(), nullptr);
-  const std::string result = found == nullptr ? path : found;
+  std::string result = found == nullptr ? path : found;
   free(found);
   return result;
 }

@@ -105,7 +105,7 @@ std::string RedactMap::wordPseudonym(RedactKind kind, std::string_view original)
   }
   std::string result = text + ending;
   while (m_byPseudonym.contains(result)) {
-    result = text + lettersOf(word.forms++) + ending;
+    result = fmt::format("{}{}{}", text, lettersOf(word.forms++), ending);
   }
   return result;
 }
