@@ -1,0 +1,89 @@
+#pragma once
+/// The database of a fleet: one interface, two engines (SQLite, ClickHouse), the same answers.
+///
+/// Every function gives a sentence when it could not do its work, and nothing when it did. Nothing is thrown.
+/// After a problem the database is as it was, or as a loader leaves it that was killed: loading the same
+/// documents again makes it whole.
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "tarn/fleet/tarn_fleet_question.h"
+#include "tarn/fleet/tarn_fleet_record.h"
+
+namespace tarn {
+
+using FleetProblem = std::optional<std::string>;
+
+/// What the database knows of the hosts of a batch.
+struct HostHistory {
+  /// A document whose facts were taken.
+  struct Taken {
+    Moment moment = 0;
+    std::vector<std::string> scopes;
+  };
+  std::vector<Taken> documents;  ///< ascending
+  struct Row {
+    std::uint64_t place = 0;  ///< sipHash of FleetPlace::text
+    Moment since = 0;
+    std::uint64_t value = 0;  ///< sipHash of the value; 0 for none
+    bool isVoid = false;
+  };
+  std::vector<Row> rows;    ///< of facts that are not volatile; by place, then since
+  std::vector<Row> latest;  ///< of volatile ones, one a place
+};
+
+/// What goes into the database at once.
+struct FleetBatch {
+  std::vector<FleetDocument> documents;
+  std::vector<FleetFact> facts;   ///< by host; adds, or replaces the row of that host, place and since
+  std::vector<FleetFact> latest;  ///< of volatile places; replaces an older one
+};
+
+class FleetDatabase {
+ public:
+  virtual ~FleetDatabase() = default;
+
+  /// Makes what is not there yet. A database of another form, or none of ours, is a problem.
+  virtual FleetProblem create() = 0;
+
+  /// Waits until nobody else loads, then keeps others from it until `unlock`. `waiting` is called each second
+  /// and ends the waiting with false.
+  virtual FleetProblem lock(const std::function<bool()>& waiting) = 0;
+  virtual FleetProblem unlock() = 0;
+
+  /// `FleetDocument::seen` of all documents.
+  virtual FleetProblem seenFiles(std::unordered_set<std::int64_t>* seen) = 0;
+  /// Which of these documents are in the database: their numbers in `hashes`.
+  virtual FleetProblem known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) = 0;
+  /// What is known of each of these hosts, in their order.
+  virtual FleetProblem read(std::span<const std::string> hosts, std::vector<HostHistory>* histories) = 0;
+  /// Writes a batch: all of it, or after a problem a part that a second time does not harm.
+  virtual FleetProblem write(const FleetBatch& batch) = 0;
+  /// A document that is known stands in another file now.
+  virtual FleetProblem moved(const FleetDocument& document) = 0;
+
+  /// Asks, and hands out the rows in the order that the question says. `take` ends the answer with false.
+  using TakeRow = std::function<bool(std::span<const std::string_view> row)>;
+  virtual FleetProblem ask(const FleetQuestion& question, const TakeRow& take) = 0;
+  /// The statement that `ask` sends, with its values in it, for people with tools of their own.
+  virtual std::string sql(const FleetQuestion& question) const = 0;
+};
+
+/// `clickhouse://HOST[:PORT]/DATABASE`, else a file for SQLite. User and password come from the environment
+/// (TARN_FLEET_USER, TARN_FLEET_PASSWORD), never from the name. With `mustExist` a missing database is a
+/// problem.
+struct OpenedDatabase {
+  std::unique_ptr<FleetDatabase> database;  ///< null when there is a problem
+  FleetProblem problem;
+};
+OpenedDatabase openFleet(const std::string& name, bool mustExist);
+
+}  // namespace tarn
