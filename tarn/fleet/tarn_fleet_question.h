@@ -17,14 +17,15 @@ struct FleetQuestion {
 };
 
 /// One row a host, by host: host, moment, file, state, problem, engine, version, database, answered, asked of
-/// its newest document (by moment, then hash), and how many documents it has. No row when there is none.
+/// its newest document (by moment, then hash), and how many documents it has. No row when there is none. A
+/// document with the problem `future` or `other host` is the newest only where there is no other.
 FleetQuestion hostsQuestion();
 
 /// One row a document with a problem, by file: file, host, moment, state, problem, line, column.
 FleetQuestion problemsQuestion();
 
-/// A condition on the facts of one pointer. `pointer` is `*` for any place, a pointer with `*` for elements,
-/// or the text of a place.
+/// A condition on the facts of one pointer. `pointer` is `*` for any place, or a pointer in which elements
+/// stand by name, or by `*` or a number for any.
 struct FleetCondition {
   enum class Test { equals, contains, greater, less };
   std::string pointer;
@@ -33,7 +34,7 @@ struct FleetCondition {
 };
 /// One row a fact that meets the condition, by host, then place: host, place, value. `greater` and `less`
 /// compare numbers where the condition's value is one (values that are none do not meet it), else texts in
-/// natural order (1.9 before 1.10).
+/// natural order (1.9 before 1.10); see tarn_fleet_order.h.
 FleetQuestion whereQuestion(const FleetCondition& condition);
 
 /// One row a value, the most frequent first, then by value: value, how many hosts show it at that pointer,
@@ -48,7 +49,8 @@ FleetQuestion historyQuestion(const std::string& host, const std::string& pointe
 /// pointer, how many hosts, how many changes. A host's first document is no change.
 FleetQuestion driftQuestion(const std::string& since);
 
-/// The documents of a host up to a moment whose state is `whole`, newest first: moment, file, hash, bytes.
+/// The documents of a host up to a moment whose facts were taken, newest first: moment, file, hash in
+/// lower-case hexadecimal digits, bytes.
 FleetQuestion documentsQuestion(const std::string& host, const std::string& until);
 
 }  // namespace tarn

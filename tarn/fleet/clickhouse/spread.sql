@@ -1,0 +1,17 @@
+-- The values that hold now at a pointer, on how many hosts, and in how many facts.
+SELECT newest, uniqExact(host) AS hosts, count() AS facts
+FROM (
+  -- The newest row of each host and place.
+  SELECT host, place, argMax(value, since) AS newest, argMax(there, since) AS holds
+  FROM fact
+  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
+  GROUP BY place, host
+  UNION ALL
+  SELECT host, place, argMax(value, since) AS newest, toUInt8(1) AS holds
+  FROM latest
+  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
+  GROUP BY place, host
+)
+WHERE holds = 1
+GROUP BY newest
+ORDER BY hosts DESC, newest
