@@ -1,8 +1,6 @@
 #include "tarn/document/tarn_document_names.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <random>
 #include <string>
 
@@ -10,74 +8,19 @@ namespace tarn {
 
 namespace {
 
-struct Key {
-  std::uint64_t first, second;
-};
-
 std::uint64_t randomWord() {
   std::random_device device;
   return std::uint64_t{device()} << 32 | device();
 }
 
-const Key& key() {
-  static const Key key = {randomWord(), randomWord()};
+const SipKey& key() {
+  static const SipKey key = {randomWord(), randomWord()};
   return key;
 }
 
 }  // namespace
 
-NameHash::NameHash()
-    : m_a(key().first ^ 0x736f6d6570736575),
-      m_b(key().second ^ 0x646f72616e646f6d),
-      m_c(key().first ^ 0x6c7967656e657261),
-      m_d(key().second ^ 0x7465646279746573) {}
-
-void NameHash::round() {
-  m_a += m_b;
-  m_b = std::rotl(m_b, 13) ^ m_a;
-  m_a = std::rotl(m_a, 32);
-  m_c += m_d;
-  m_d = std::rotl(m_d, 16) ^ m_c;
-  m_a += m_d;
-  m_d = std::rotl(m_d, 21) ^ m_a;
-  m_c += m_b;
-  m_b = std::rotl(m_b, 17) ^ m_c;
-  m_c = std::rotl(m_c, 32);
-}
-
-void NameHash::word(std::uint64_t bytes) {
-  m_d ^= bytes;
-  round();
-  m_a ^= bytes;
-}
-
-void NameHash::add(std::string_view part) {
-  for (; !part.empty() && m_length % 8 != 0; part.remove_prefix(1)) {
-    m_pending |= std::uint64_t{static_cast<unsigned char>(part[0])} << (m_length++ % 8 * 8);
-    if (m_length % 8 == 0) {
-      word(m_pending);
-      m_pending = 0;
-    }
-  }
-  for (; part.size() >= 8; part.remove_prefix(8), m_length += 8) {
-    std::uint64_t bytes = 0;
-    memcpy(&bytes, part.data(), sizeof bytes);
-    word(bytes);
-  }
-  for (const char byte : part) {
-    m_pending |= std::uint64_t{static_cast<unsigned char>(byte)} << (m_length++ % 8 * 8);
-  }
-}
-
-std::uint64_t NameHash::value() const {
-  NameHash end = *this;
-  end.word(m_length << 56 | m_pending);
-  end.m_c ^= 0xFF;
-  end.round();
-  end.round();
-  end.round();
-  return end.m_a ^ end.m_b ^ end.m_c ^ end.m_d;
-}
+NameHash::NameHash() : SipHash(key()) {}
 
 void Names::open() {
   m_objects.push_back(m_entries.size());

@@ -10,22 +10,14 @@
 #include <string_view>
 #include <vector>
 
+#include "tarn/document/tarn_document_siphash.h"
+
 namespace tarn {
 
-/// SipHash-1-3 of a text that comes in parts.
-class NameHash {
+/// SipHash-1-3 under the key of the process.
+class NameHash : public SipHash<1, 3> {
  public:
   NameHash();
-  void add(std::string_view part);
-  std::uint64_t value() const;
-
- private:
-  void word(std::uint64_t bytes);
-  void round();
-
-  std::uint64_t m_a, m_b, m_c, m_d;
-  std::uint64_t m_pending = 0;  ///< the bytes behind the last whole word
-  std::uint64_t m_length = 0;
 };
 
 class Names {

@@ -6,7 +6,6 @@
 /// documents again makes it whole.
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -22,22 +21,41 @@ namespace tarn {
 
 using FleetProblem = std::optional<std::string>;
 
-/// What the database knows of the hosts of a batch.
+/// A host of a batch, and what the loader wants to know of it.
+struct HostWanted {
+  std::string name;
+  Moment after = 0;  ///< of the documents only those behind it
+};
+
+/// What the database knows of a host. Texts stay where they are: their hashes tell what differs (`sipHash`,
+/// see tarn/document/tarn_document_siphash.h; ClickHouse calls it sipHash64).
 struct HostHistory {
   /// A document whose facts were taken.
   struct Taken {
     Moment moment = 0;
     std::vector<std::string> scopes;
   };
-  std::vector<Taken> documents;  ///< ascending
+  std::vector<Taken> documents;  ///< behind the moment that was asked for, ascending
   struct Row {
     std::uint64_t place = 0;  ///< sipHash of FleetPlace::text
+    std::uint64_t scope = 0;  ///< sipHash of FleetPlace::scope; 0 when that is empty
     Moment since = 0;
     std::uint64_t value = 0;  ///< sipHash of the value; 0 for none
     bool isVoid = false;
   };
-  std::vector<Row> rows;    ///< of facts that are not volatile; by place, then since
-  std::vector<Row> latest;  ///< of volatile ones, one a place
+  std::vector<Row> rows;  ///< all of facts that are not volatile; those of a place together, by since
+};
+
+/// One row of a history, whose texts are needed after all: a place that went away, or the value that holds
+/// again behind a document that came late.
+struct RowWanted {
+  std::string_view host;
+  std::uint64_t place = 0;
+  Moment since = 0;
+};
+struct RowTexts {
+  FleetPlace place;
+  std::string value;  ///< empty when there is none
 };
 
 /// What goes into the database at once.
@@ -63,14 +81,17 @@ class FleetDatabase {
   virtual FleetProblem seenFiles(std::unordered_set<std::int64_t>* seen) = 0;
   /// Which of these documents are in the database: their numbers in `hashes`.
   virtual FleetProblem known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) = 0;
-  /// What is known of each of these hosts, in their order.
-  virtual FleetProblem read(std::span<const std::string> hosts, std::vector<HostHistory>* histories) = 0;
+  /// What is known of each of these hosts, in their order; of one that is not known nothing.
+  virtual FleetProblem read(std::span<const HostWanted> hosts, std::vector<HostHistory>* histories) = 0;
+  /// The texts of rows that `read` gave, in their order. Few of them are asked for.
+  virtual FleetProblem texts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts) = 0;
   /// Writes a batch: all of it, or after a problem a part that a second time does not harm.
   virtual FleetProblem write(const FleetBatch& batch) = 0;
   /// A document that is known stands in another file now.
   virtual FleetProblem moved(const FleetDocument& document) = 0;
 
-  /// Asks, and hands out the rows in the order that the question says. `take` ends the answer with false.
+  /// Asks, and hands out the rows in the order that the question says. A null is a text without `data()`.
+  /// `take` ends the answer with false.
   using TakeRow = std::function<bool(std::span<const std::string_view> row)>;
   virtual FleetProblem ask(const FleetQuestion& question, const TakeRow& take) = 0;
   /// The statement that `ask` sends, with its values in it, for people with tools of their own.

@@ -12,8 +12,8 @@
 #include <sstream>
 #include <string>
 
+#include "tarn/document/tarn_document_sha256.h"
 #include "tarn/page/tarn_page_base64.h"
-#include "tarn/page/tarn_page_sha256.h"
 
 namespace {
 

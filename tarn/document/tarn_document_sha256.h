@@ -1,5 +1,5 @@
 #pragma once
-/// SHA-256 (FIPS 180-4), for the page's Content-Security-Policy.
+/// SHA-256 (FIPS 180-4): a name for a document by its bytes, and for a page's Content-Security-Policy.
 
 #include <string>
 #include <string_view>
