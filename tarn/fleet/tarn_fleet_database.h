@@ -33,7 +33,7 @@ struct HostHistory {
   /// A document whose facts were taken.
   struct Taken {
     Moment moment = 0;
-    std::vector<std::string> scopes;
+    std::vector<std::uint64_t> scopes;  ///< sipHash of each that it holds
   };
   std::vector<Taken> documents;  ///< behind the moment that was asked for, ascending
   struct Row {
@@ -43,7 +43,7 @@ struct HostHistory {
     std::uint64_t value = 0;  ///< sipHash of the value; 0 for none
     bool isVoid = false;
   };
-  std::vector<Row> rows;  ///< all of facts that are not volatile; those of a place together, by since
+  std::vector<Row> rows;  ///< all of facts that are not volatile; those of one place by since
 };
 
 /// One row of a history, whose texts are needed after all: a place that went away, or the value that holds

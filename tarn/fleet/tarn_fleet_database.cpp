@@ -1,0 +1,11 @@
+#include "tarn/fleet/tarn_fleet_database.h"
+
+#include "tarn/fleet/tarn_fleet_sqlite.h"
+
+namespace tarn {
+
+OpenedDatabase openFleet(const std::string& name, bool mustExist) {
+  return openSqlite(name, mustExist);
+}
+
+}  // namespace tarn
