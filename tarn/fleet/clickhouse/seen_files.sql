@@ -1,0 +1,2 @@
+-- Which files have been read.
+SELECT seen FROM document FORMAT RowBinary
