@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
 
 #include "tarn/fleet/tarn_fleet_literal.h"
 #include "tarn/fleet/tarn_fleet_sql.h"
@@ -17,32 +19,63 @@ constexpr int kUnknownTable = 60;
 constexpr int kUnknownDatabase = 81;
 constexpr int kWrongLogin[] = {192, 193, 194, 516};
 
-}  // namespace
+constexpr std::string_view kScheme = "clickhouse://";
 
-std::optional<ClickhouseName> clickhouseName(std::string_view text) {
-  constexpr std::string_view kScheme = "clickhouse://";
-  if (!text.starts_with(kScheme)) {
+struct Name {
+  std::string address;  ///< `HOST:PORT`
+  std::string database;
+};
+
+bool consistsOf(std::string_view text, std::string_view others) {
+  return !text.empty() && std::ranges::all_of(text, [others](unsigned char byte) {
+    return byte < 0x80 &&
+           (isalnum(byte) != 0 || others.find(static_cast<char>(byte)) != std::string_view::npos);
+  });
+}
+
+bool hasPort(const std::string& address) {
+  return address.rfind(':') != std::string::npos && !address.ends_with(']');
+}
+
+std::optional<Name> nameIn(std::string_view text) {
+  text.remove_prefix(kScheme.size());
+  const std::size_t slash = text.find('/');
+  if (slash == std::string_view::npos) {
     return std::nullopt;
   }
-  text.remove_prefix(kScheme.size());
-  const std::size_t slash = std::min(text.find('/'), text.size());
-  ClickhouseName name = {std::string(text.substr(0, slash)), ""};
-  const std::size_t colon = name.address.rfind(':');
-  if (colon == std::string::npos || name.address.ends_with(']')) {
-    name.address += ":8123";
+  Name name = {std::string(text.substr(0, slash)), std::string(text.substr(slash + 1))};
+  if (!consistsOf(name.address, "-._:[]") || !consistsOf(name.database, "_")) {
+    return std::nullopt;
   }
-  const std::string_view database = text.substr(std::min(slash + 1, text.size()));
-  const auto isNamePart = [](char letter) {
-    return isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_';
-  };
-  const auto isAddressPart = [&](char letter) {
-    return isNamePart(letter) || std::string_view("-.:[]").find(letter) != std::string_view::npos;
-  };
-  if (slash != 0 && std::ranges::all_of(name.address, isAddressPart) &&
-      std::ranges::all_of(database, isNamePart)) {
-    name.database = database;
-  }
+  name.address += hasPort(name.address) ? "" : ":8123";
   return name;
+}
+
+std::string environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+bool isClickhouse(const std::string& name) {
+  return name.starts_with(kScheme);
+}
+
+OpenedDatabase openClickhouse(const std::string& name, bool mustExist) {
+  const std::optional<Name> parts = nameIn(name);
+  if (!parts) {
+    return {nullptr,
+            name + ": a database is named clickhouse://HOST[:PORT]/DATABASE, of letters, digits and _"};
+  }
+  const FleetHttp::Server server = {parts->address, environment("TARN_FLEET_USER"),
+                                    environment("TARN_FLEET_PASSWORD")};
+  auto database = std::make_unique<ClickhouseDatabase>(server, parts->database);
+  FleetProblem problem = mustExist ? database->check() : std::nullopt;
+  if (problem) {
+    database.reset();
+  }
+  return {std::move(database), std::move(problem)};
 }
 
 ClickhouseDatabase::ClickhouseDatabase(const FleetHttp::Server& server, std::string database)

@@ -11,19 +11,17 @@
 
 namespace tarn {
 
-/// What stands in `clickhouse://HOST[:PORT]/DATABASE`. The port is 8123 when none is told.
-struct ClickhouseName {
-  std::string address;  ///< `HOST:PORT`
-  std::string database;
-};
-/// Nothing when it does not start with `clickhouse://`; a name without a database when it cannot be read.
-std::optional<ClickhouseName> clickhouseName(std::string_view text);
+/// Whether that is the name of a database on ClickHouse: `clickhouse://…`.
+bool isClickhouse(const std::string& name);
+/// `clickhouse://HOST[:PORT]/DATABASE`; see `openFleet`. The port is 8123 when none is told. With `mustExist`
+/// the server is asked.
+OpenedDatabase openClickhouse(const std::string& name, bool mustExist);
 
 class ClickhouseDatabase : public FleetDatabase {
  public:
   ClickhouseDatabase(const FleetHttp::Server& server, std::string database);
 
-  /// Whether it is there, and one of ours.
+  /// Whether the database is there, and one of ours.
   FleetProblem check();
 
   FleetProblem create() override;

@@ -117,7 +117,7 @@ FleetProblem ClickhouseDatabase::readDocuments(const std::string& hosts, std::sp
     const std::size_t host = numbers.at(reader.number<std::uint64_t>());
     HostHistory::Taken taken = {reader.number<Moment>(), {}};
     for (std::uint64_t scopes = reader.count(); scopes > 0 && !reader.ended(); --scopes) {
-      taken.scopes.emplace_back(reader.text());
+      taken.scopes.push_back(reader.number<std::uint64_t>());
     }
     if (taken.moment > wanted[host].after) {
       (*histories)[host].documents.push_back(std::move(taken));
