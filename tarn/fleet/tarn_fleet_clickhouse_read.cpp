@@ -56,8 +56,10 @@ std::vector<HostHistory::Row> newestVersions(std::vector<VersionedRow> all) {
 
 void sortDocuments(std::vector<HostHistory::Taken>& documents) {
   std::ranges::sort(documents, {}, &HostHistory::Taken::moment);
-  const auto again = std::ranges::unique(documents, {}, &HostHistory::Taken::moment);
-  documents.erase(again.begin(), again.end());
+  const auto again = std::unique(documents.begin(), documents.end(), [](const auto& one, const auto& other) {
+    return one.moment == other.moment;
+  });
+  documents.erase(again, documents.end());
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ std::string contentOf(const std::string& path) {
 std::string worldOf() {
   char link[64] = "";
   const ssize_t size = readlink("/proc/self/ns/pid", link, sizeof link);
-  std::string world =
-      contentOf("/proc/sys/kernel/random/boot_id") + ":" + std::string(link, size < 0 ? 0 : size);
+  std::string world = contentOf("/proc/sys/kernel/random/boot_id") + ":" +
+                      std::string(link, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
   std::erase_if(world, [](char letter) { return isalnum(letter) == 0 && letter != '-' && letter != ':'; });
   std::ranges::replace(world, ':', '-');
   return world;
