@@ -10,7 +10,11 @@ namespace {
 
 constexpr std::uint64_t kMegabyte = 1'000'000;
 
+/// Of a document that takes a while.
 void showProgress(Console& console, const std::string& file, const Source& source) {
+  if (source.position() < kMegabyte) {
+    return;
+  }
   const Shown read = say("{}: {} MB", shown(file), Shown(source.position() / kMegabyte));
   console.progress(source.size() == 0 ? read : say("{} of {} MB", read, Shown(source.size() / kMegabyte)));
 }
@@ -52,6 +56,52 @@ std::optional<Ending> readAll(Console& console, const std::string& file, Source&
     block = nextBlock(console, file, source);
   } while (!block.empty() && reader.feed(block));
   return source.problem() ? std::nullopt : std::optional(reader.finish());
+}
+
+std::optional<Repeats> surveyRepeats(Console& console, const std::string& file, Source& source) {
+  RepeatSurvey survey;
+  Reader reader(survey);
+  if (!readAll(console, file, source, reader)) {
+    return std::nullopt;
+  }
+  Repeats repeats = survey.finish();
+  if (repeats.lost()) {
+    console.trouble(file, "its names could not be kept in a temporary file");
+    return std::nullopt;
+  }
+  return repeats;
+}
+
+PassEnd readNumbered(Console& console, const std::string& file, Source& source, Reader& reader,
+                     const Path& path) {
+  std::string_view block;
+  do {
+    if (path.remembered() > kNamesAtMost) {
+      return PassEnd::tooManyNames;
+    }
+    block = nextBlock(console, file, source);
+  } while (!block.empty() && reader.feed(block));
+  return source.problem() ? PassEnd::failed : PassEnd::done;
+}
+
+bool numberedPass(Console& console, const std::string& file, Source& source,
+                  const std::function<PassEnd(Path&)>& pass) {
+  Path path(Path::Repeated::numbered);
+  const PassEnd end = pass(path);
+  if (end != PassEnd::tooManyNames) {
+    return end == PassEnd::done;
+  }
+  while (!nextBlock(console, file, source).empty()) {
+    // what no pass has read is not there in the next one
+  }
+  source.rewind();
+  std::optional<Repeats> repeats = surveyRepeats(console, file, source);
+  if (!repeats) {
+    return false;
+  }
+  source.rewind();
+  Path known(*repeats);
+  return pass(known) == PassEnd::done;
 }
 
 std::optional<std::string> readText(Console& console, const std::string& file) {

@@ -25,10 +25,10 @@ struct DocumentStatus {
   Ending ending;
   std::uint64_t bytes = 0;
   bool hasMark = false;  ///< begins with a byte order mark
-  Path path = Path(Path::Repeated::numbered);
   StatusSink found;
 
-  DocumentStatus(const Facts& facts, std::string name) : file(std::move(name)), found(facts, path) {}
+  DocumentStatus(const Facts& facts, std::string name, const Path& path)
+      : file(std::move(name)), found(facts, path) {}
 
   bool isBroken() const { return ending.state == State::cut || ending.state == State::damaged; }
   bool isStrict() const { return !isBroken() && !hasMark && found.isStrict(); }
@@ -93,23 +93,21 @@ std::uint64_t sizeOf(Source& source) {
   return std::max(source.size(), source.position());
 }
 
-/// False when it could not be read; the console was told.
-bool read(Console& console, Source& source, DocumentStatus& status) {
-  Reader reader(status.found, status.path);
-  std::string_view block = source.next();
-  status.hasMark = block.starts_with("\xEF\xBB\xBF");
-  while (!block.empty() && reader.feed(block)) {
-    block = source.next();
-  }
+bool beginsWithMark(Source& source) {
+  const bool hasMark = source.next().starts_with("\xEF\xBB\xBF");
+  source.rewind();
+  return hasMark;
+}
+
+PassEnd read(Console& console, Source& source, Path& path, DocumentStatus& status) {
+  Reader reader(status.found, path);
+  const PassEnd end = readNumbered(console, status.file, source, reader, path);
   status.ending = reader.finish();
   status.found.finish();
-  status.bytes = sizeOf(source);
-  if (source.problem()) {
-    console.trouble(status.file, shown(*source.problem()));
-  } else if (status.found.silent().lost() || status.found.repeated().lost()) {
+  if (status.found.silent().lost() || status.found.repeated().lost()) {
     console.trouble(status.file, "the members that did not answer could not be kept in a temporary file");
   }
-  return !source.problem();
+  return end;
 }
 
 /// More of a name or a version would push everything behind it away.
@@ -180,6 +178,29 @@ void tell(const StatusOptions& options, const DocumentStatus& status, const Fact
   }
 }
 
+/// Nothing found when the document is whole, or could not be read, which the console was told.
+Outcome statusOne(const StatusOptions& options, const std::string& file, const Facts& facts, Console& console,
+                  Columns& columns) {
+  Source source;
+  if (!openSource(console, file, Source::Passes::several, source)) {
+    return Outcome::nothing;
+  }
+  const bool hasMark = beginsWithMark(source);
+  Outcome outcome = Outcome::nothing;
+  numberedPass(console, file, source, [&](Path& path) {
+    DocumentStatus status(facts, file, path);
+    const PassEnd end = read(console, source, path, status);
+    if (end == PassEnd::done) {
+      status.hasMark = hasMark;
+      status.bytes = sizeOf(source);
+      tell(options, status, facts, console, columns);
+      outcome = status.isBroken() || !status.found.isDocument() ? Outcome::something : Outcome::nothing;
+    }
+    return end;
+  });
+  return outcome;
+}
+
 Outcome status(const StatusOptions& options, Console& console) {
   const std::optional<Facts> facts = loadFacts(options.facts, console);
   if (!facts) {
@@ -190,12 +211,7 @@ Outcome status(const StatusOptions& options, Console& console) {
   Outcome outcome = Outcome::nothing;
   for (std::size_t i = 0; i < files.size(); ++i) {
     console.progress(say("{} of {} documents", i, files.size()));
-    Source source;
-    DocumentStatus found(*facts, files[i]);
-    if (openSource(console, files[i], Source::Passes::one, source) && read(console, source, found)) {
-      tell(options, found, *facts, console, columns);
-      outcome = found.isBroken() || !found.found.isDocument() ? Outcome::something : outcome;
-    }
+    outcome = std::max(outcome, statusOne(options, files[i], *facts, console, columns));
   }
   return outcome;
 }
@@ -223,7 +239,10 @@ Command statusCommand() {
           "stands before the trouble is told, and the place of the trouble.\n\n"
           "A member is asked when its value is a text or an array. It did not answer when it is \"null\", an "
           "empty text, an empty array or an empty object. Objects are looked into, and so are arrays of "
-          "objects that hold more than texts.",
+          "objects that hold more than texts.\n\n"
+          "Documents may be of any size. Where one has more than half a million names in objects that are "
+          "open at once, it is read again, and all names are sorted in a file without a name in TMPDIR or "
+          "/tmp; so standard input is kept in one, too. tarn strict tells more of that.",
       .examples =
           {{"tarn status sample.json alone.json",
             "whole   71 of  82 answered  SAMPLE       db1  2026-11-21  SQLite 3.39.3  strict, names repeat  "

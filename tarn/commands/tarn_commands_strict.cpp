@@ -30,11 +30,15 @@ constexpr char kText[] =
     "With --unique the second member of one name in an object is named NAME#2, the third NAME#3, or the next "
     "number "
     "that is free so far. Names are the same when they are the same in the output, escapes undone. Memory "
-    "grows "
-    "with the number of names in one object.\n\n"
+    "does "
+    "not grow with the document: where objects have more than half a million names at once, all names are "
+    "sorted in a file without a name beforehand, 48 bytes for each. Only names of one object that differ in "
+    "nothing but numbers behind # at their end are in memory together then, 35 bytes for each.\n\n"
     "An escape of half a surrogate pair, which RFC 8259 allows and several readers refuse, stays as it is; "
     "mirel "
     "writes none.";
+
+using enum Path::Repeated;
 
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
@@ -42,15 +46,44 @@ constexpr std::string_view kMark = "\xEF\xBB\xBF";
 struct Findings {
   Ending ending;
   bool isStrict = true;
+  std::uint64_t names = 0;  ///< most of them at once, where later ones are named anew
   std::uint64_t from = 0;   ///< behind a byte order mark
   std::uint64_t until = 0;  ///< before the line feeds at the end
 };
 
+/// Whether a document would be changed, and how many names of open objects there are at most.
+class StrictNames : public StrictCheck {
+ public:
+  bool open(Kind, const Place&) override {
+    m_counts.push_back(0);
+    return true;
+  }
+  bool close(Kind, const Place&) override {
+    m_now -= m_counts.back();
+    m_counts.pop_back();
+    return true;
+  }
+  bool key(const Piece& piece, const Place& place) override {
+    if (piece.ends) {
+      ++m_counts.back();
+      most = std::max(most, ++m_now);
+    }
+    return StrictCheck::key(piece, place);
+  }
+
+  std::uint64_t most = 0;
+
+ private:
+  std::vector<std::uint64_t> m_counts;  ///< of the containers that are open
+  std::uint64_t m_now = 0;
+};
+
 /// Nothing when the file cannot be read.
-std::optional<Findings> inspect(Console& console, const std::string& file, Source& source) {
+std::optional<Findings> inspect(Console& console, const std::string& file, Source& source, bool countNames) {
   Findings found;
   StrictCheck check;
-  Reader reader(check);
+  StrictNames names;
+  Reader reader(countNames ? names : check);
   std::uint64_t offset = 0;
   bool goOn = true;
   while (goOn) {
@@ -64,7 +97,8 @@ std::optional<Findings> inspect(Console& console, const std::string& file, Sourc
     goOn = !block.empty() && reader.feed(block);
   }
   found.ending = reader.finish();
-  found.isStrict = check.isStrict();
+  found.isStrict = check.isStrict() && names.isStrict();
+  found.names = names.most;
   return source.problem() ? std::nullopt : std::optional(found);
 }
 
@@ -111,8 +145,7 @@ void copy(Console& console, Part& part, std::uint64_t from) {
   }
 }
 
-void rewrite(Console& console, Part& part, const StrictOptions& options, std::uint64_t from) {
-  Path path(options.unique ? Path::Repeated::numbered : Path::Repeated::ignored);
+void rewrite(Console& console, Part& part, Path path, const StrictOptions& options, std::uint64_t from) {
   StrictLine line(path);
   StrictLayout layout(path, from);
   StrictWriter* const writer = options.lines ? static_cast<StrictWriter*>(&line) : &layout;
@@ -134,26 +167,49 @@ void write(Console& console, const std::string& file, Source& source, const Stri
   if (!whole && found.ending.wholeUntil == 0) {
     return;
   }
+  std::optional<Repeats> repeats;
+  if (found.names > kNamesAtMost) {
+    source.rewind();
+    repeats = surveyRepeats(console, file, source);
+    if (!repeats) {
+      return;
+    }
+  }
   Part part(console, file, source, whole ? found.until : found.ending.wholeUntil);
   if (found.isStrict && !options.lines && !options.unique) {
     copy(console, part, found.from);
   } else {
-    rewrite(console, part, options, found.from);
+    rewrite(console, part, repeats ? Path(*repeats) : Path(options.unique ? numbered : ignored), options,
+            found.from);
   }
   console.bytes((whole ? "" : closersOf(found.ending, options.lines)) + "\n");
+}
+
+/// What the first pass found wrong, with repeated names told apart.
+Ending troubleIn(Console& console, const std::string& file, Source& source, Ending found) {
+  source.rewind();
+  numberedPass(console, file, source, [&](Path& path) {
+    DocumentSink nothing;
+    Reader reader(nothing, path);
+    const PassEnd end = readNumbered(console, file, source, reader, path);
+    found = reader.finish();
+    return end;
+  });
+  return found;
 }
 
 Outcome strictOne(const StrictOptions& options, const std::string& file, Console& console) {
   Source source;
   const std::optional<Findings> found = openSource(console, file, Source::Passes::several, source)
-                                            ? inspect(console, file, source)
+                                            ? inspect(console, file, source, options.unique)
                                             : std::nullopt;
   if (!found) {
     return Outcome::nothing;
   }
   const bool whole = found->ending.state == State::whole;
   if (!whole) {
-    console.problem(file, found->ending.place, troubleOf(found->ending));
+    const Ending ending = troubleIn(console, file, source, found->ending);
+    console.problem(file, ending.place, troubleOf(ending));
   }
   if (whole || options.mend) {
     write(console, file, source, options, *found);

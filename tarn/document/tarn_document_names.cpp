@@ -1,8 +1,13 @@
 #include "tarn/document/tarn_document_names.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 #include <random>
 #include <string>
+
+#include "tarn/document/tarn_document_escape.h"
+#include "tarn/document/tarn_document_utf8.h"
 
 namespace tarn {
 
@@ -18,9 +23,68 @@ const SipKey& key() {
   return key;
 }
 
+/// Stands for the name that a number makes of one.
+std::uint64_t numbered(std::uint64_t base, std::uint32_t number) {
+  char bytes[sizeof number];
+  memcpy(bytes, &number, sizeof number);
+  KeyedHash hash(base);
+  hash.add({bytes, sizeof bytes});
+  return hash.value();
+}
+
 }  // namespace
 
-NameHash::NameHash() : SipHash(key()) {}
+KeyedHash::KeyedHash(std::uint64_t seed) : SipHash(key()) {
+  char bytes[sizeof seed];
+  memcpy(bytes, &seed, sizeof seed);
+  add({bytes, sizeof bytes});
+}
+
+void NameHash::addRaw(std::string_view raw, bool clean) {
+  if (clean) {
+    add(raw);
+    return;
+  }
+  std::string text;
+  appendUnescaped(raw, text);
+  std::string mended;
+  appendMended(text, mended);
+  add(mended);
+}
+
+/// Numbers at the end are rare.
+void NameHash::add(std::string_view text) {
+  if (!m_inNumber && text.find('#') == std::string_view::npos) {
+    m_text.add(text);
+    return;
+  }
+  for (const char byte : text) {
+    follow(byte);
+    m_text.add({&byte, 1});
+  }
+}
+
+void NameHash::follow(char byte) {
+  if (byte == '#') {
+    if (isNumbered()) {
+      m_base = numbered(m_base, m_number);
+    } else {
+      m_root = m_text.wide();
+      m_base = m_root[0];
+    }
+    m_inNumber = true;
+    m_number = 0;
+    return;
+  }
+  const auto digit = static_cast<unsigned char>(byte - '0');
+  constexpr std::uint32_t kMost = std::numeric_limits<std::uint32_t>::max();
+  m_inNumber = m_inNumber && digit < 10 && m_number + digit != 0 && m_number <= (kMost - digit) / 10;
+  m_number = m_inNumber ? m_number * 10 + digit : 0;
+}
+
+NameId NameHash::value() const {
+  return isNumbered() ? NameId{numbered(m_base, m_number), m_base, m_number} : NameId{m_text.value()};
+}
 
 void Names::open() {
   m_objects.push_back(m_entries.size());
@@ -30,7 +94,7 @@ void Names::open() {
 void Names::close() {
   for (; m_entries.size() > m_objects.back(); m_entries.pop_back()) {
     const std::size_t mask = m_slots.size() - 1;
-    std::size_t slot = m_entries.back().hash & mask;
+    std::size_t slot = m_entries.back().id & mask;
     while (m_slots[slot] != m_entries.size()) {
       slot = (slot + 1) & mask;
     }
@@ -40,11 +104,11 @@ void Names::close() {
 }
 
 /// Null when the innermost object has no such name.
-Names::Entry* Names::find(std::uint64_t hash) {
+Names::Entry* Names::find(std::uint64_t id) {
   const std::size_t mask = m_slots.size() - 1;
-  for (std::size_t slot = hash & mask; !m_slots.empty() && m_slots[slot] != 0; slot = (slot + 1) & mask) {
+  for (std::size_t slot = id & mask; !m_slots.empty() && m_slots[slot] != 0; slot = (slot + 1) & mask) {
     const std::uint32_t index = m_slots[slot] - 1;
-    if (m_entries[index].hash == hash && index >= m_objects.back()) {
+    if (m_entries[index].id == id && index >= m_objects.back()) {
       return &m_entries[index];
     }
   }
@@ -53,7 +117,7 @@ Names::Entry* Names::find(std::uint64_t hash) {
 
 void Names::place(std::uint32_t entry) {
   const std::size_t mask = m_slots.size() - 1;
-  std::size_t slot = m_entries[entry].hash & mask;
+  std::size_t slot = m_entries[entry].id & mask;
   while (m_slots[slot] != 0) {
     slot = (slot + 1) & mask;
   }
@@ -69,30 +133,33 @@ void Names::grow() {
   }
 }
 
-void Names::insert(std::uint64_t hash) {
+void Names::insert(std::uint64_t id) {
   if ((m_entries.size() + 1) * 4 > m_slots.size() * 3) {
     grow();
   }
-  m_entries.push_back({hash, 1});
+  m_entries.push_back({id, 1});
   place(static_cast<std::uint32_t>(m_entries.size() - 1));
 }
 
-std::uint32_t Names::numberOf(const NameHash& name) {
-  const std::uint64_t hash = name.value();
-  Entry* const same = find(hash);
+/// Whether a member got this name by its number.
+bool Names::wasGiven(const NameId& name) {
+  const Entry* const base = name.number == 0 ? nullptr : find(name.base);
+  return base != nullptr && base->last >= name.number;
+}
+
+std::uint32_t Names::numberOf(const NameId& name) {
+  Entry* same = find(name.id);
   if (same == nullptr) {
-    insert(hash);
-    return 1;
-  }
-  for (;;) {
-    const std::uint32_t number = ++same->last;
-    NameHash numbered = name;
-    numbered.add("#" + std::to_string(number));
-    if (find(numbered.value()) == nullptr) {
-      insert(numbered.value());  // `same` is not used any more: entries may have moved
-      return number;
+    insert(name.id);
+    if (!wasGiven(name)) {
+      return 1;
     }
+    same = &m_entries.back();
   }
+  do {
+    ++same->last;
+  } while (find(numbered(name.id, same->last)) != nullptr);
+  return same->last;
 }
 
 }  // namespace tarn

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tarn/document/tarn_document_escape.h"
+#include "tarn/document/tarn_document_survey.h"
 #include "tarn/document/tarn_document_utf8.h"
 
 namespace tarn {
@@ -87,17 +88,8 @@ void Path::pop() {
   m_top = m_depth == 0 ? nullptr : &m_levels[m_depth - 1];
 }
 
-/// Names are the same when they will be once they are written strictly.
-void Path::hashPart(std::string_view raw, bool clean) {
-  if (clean) {
-    m_hash.add(raw);
-    return;
-  }
-  std::string text;
-  appendUnescaped(raw, text);
-  std::string mended;
-  appendMended(text, mended);
-  m_hash.add(mended);
+std::uint32_t Path::nextNumber() {
+  return m_numbered ? m_names.numberOf(m_hash.value()) : m_known == nullptr ? 1 : m_known->next();
 }
 
 /// One byte more than what is shown tells that there are more.
@@ -110,13 +102,13 @@ void Path::keyPart(std::string_view raw, bool clean, bool begins) {
   kept += raw.substr(0, kKeptAtMost + 1 - std::min(kKeptAtMost + 1, kept.size()));
   m_top->key = kept;
   if (m_numbered) {
-    hashPart(raw, clean);
+    m_hash.addRaw(raw, clean);
   }
 }
 
 void Path::keyEnds() {
   m_top->isOpen = true;
-  m_top->number = m_numbered ? m_names.numberOf(m_hash) : 1;
+  m_top->number = nextNumber();
 }
 
 void Path::keepKeys() {

@@ -22,12 +22,16 @@ namespace tarn {
 
 enum class Kind : unsigned char { object, array };
 
+class Repeats;
+
 class Path {
  public:
   /// Whether members of one name are told apart as `NAME#2`, `NAME#3`. It costs a hash of each name, and
-  /// memory for each name of the objects that are open.
+  /// memory for each name of the objects that are open, about 35 bytes.
   enum class Repeated { ignored, numbered };
   explicit Path(Repeated repeated = Repeated::ignored) : m_numbered(repeated == Repeated::numbered) {}
+  /// The numbers are known from a pass before (tarn_document_survey.h). They are not owned.
+  explicit Path(Repeats& known) : m_known(&known) {}
 
   /// How many containers are open.
   std::size_t depth() const { return m_depth; }
@@ -39,6 +43,8 @@ class Path {
   /// Of the innermost member among those of its name: 2 means `NAME#2`. 1 when it is alone so far, or not
   /// counted.
   std::uint32_t number() const { return m_depth == 0 ? 1 : m_top->number; }
+  /// How many names are remembered.
+  std::size_t remembered() const { return m_names.size(); }
 
  private:
   friend class Reader;
@@ -74,15 +80,15 @@ class Path {
     m_firstInBlock = std::min(m_firstInBlock, m_depth - 1);
     if (m_numbered) {
       m_hash = NameHash();
-      hashPart(raw, clean);
-      keyEnds();
+      m_hash.addRaw(raw, clean);
     }
+    m_top->number = nextNumber();
   }
   void keyPart(std::string_view raw, bool clean, bool begins);
   void keyEnds();
   /// The block goes away: keeps the keys that lie in it.
   void keepKeys();
-  void hashPart(std::string_view raw, bool clean);
+  std::uint32_t nextNumber();
   std::string nameOf(const Level& level) const;
 
   std::deque<Level> m_levels;  ///< those from `m_depth` on are spare
@@ -90,7 +96,8 @@ class Path {
   Level* m_top = nullptr;  ///< the innermost
   Names m_names;
   NameHash m_hash;  ///< of the key being read
-  bool m_numbered;
+  bool m_numbered = false;
+  Repeats* m_known = nullptr;
 };
 
 /// Appends a name as a part of a JSON Pointer: "~" and "/" become "~0" and "~1".

@@ -1,9 +1,10 @@
 #pragma once
-/// SipHash (Aumasson and Bernstein, 2012) of a text that comes in parts, 64 bits.
+/// SipHash (Aumasson and Bernstein, 2012) of a text that comes in parts, 64 bits or 128.
 ///
 /// With a secret key nobody can make two texts meet. Without one (`sipHash`) it is the same number in every
 /// process and on every machine, and only as hard to meet as 64 bits are.
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -46,10 +47,15 @@ class SipHash {
   /// Of all that has come so far; more may come.
   std::uint64_t value() const {
     SipHash end = *this;
-    end.word(m_length << 56 | m_pending);
-    end.m_c ^= 0xFF;
+    return end.finish();
+  }
+  /// 128 bits of it, the first 64 being the value.
+  std::array<std::uint64_t, 2> wide() const {
+    SipHash end = *this;
+    const std::uint64_t first = end.finish();
+    end.m_b ^= 0xDD;
     end.rounds(atEnd);
-    return end.m_a ^ end.m_b ^ end.m_c ^ end.m_d;
+    return {first, end.folded()};
   }
 
  private:
@@ -62,6 +68,15 @@ class SipHash {
     rounds(perWord);
     m_a ^= bytes;
   }
+
+  std::uint64_t finish() {
+    word(m_length << 56 | m_pending);
+    m_c ^= 0xFF;
+    rounds(atEnd);
+    return folded();
+  }
+
+  std::uint64_t folded() const { return m_a ^ m_b ^ m_c ^ m_d; }
 
   void rounds(int count) {
     for (int round = 0; round < count; ++round) {

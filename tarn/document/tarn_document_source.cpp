@@ -5,42 +5,16 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <utility>
+
+#include "tarn/document/tarn_document_nameless.h"
 
 namespace tarn {
 
 namespace {
 
 constexpr std::size_t kBlock = 256 << 10;
-
-/// A file that is gone with its descriptor. -1 and errno when there can be none.
-int namelessFile() {
-  const char* const given = getenv("TMPDIR");
-  std::string folder = given == nullptr || *given == '\0' ? "/tmp" : given;
-  const int nameless = ::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
-  if (nameless != -1) {
-    return nameless;
-  }
-  folder += "/.tarn-XXXXXX";  // not every file system knows such files
-  const int named = mkostemp(folder.data(), O_CLOEXEC);
-  if (named != -1) {
-    unlink(folder.c_str());
-  }
-  return named;
-}
-
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) {
-      return false;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written < 0 ? 0 : written));
-  }
-  return true;
-}
 
 }  // namespace
 

@@ -110,7 +110,7 @@ Value* Walk::repeated(KeyValuePair& pair, const Node& node) {
 void Walk::pushName(const mirel_string& name) {
   NameHash hash;
   hash.add({name.c_str(), name.length()});
-  const std::uint32_t number = m_names.numberOf(hash);
+  const std::uint32_t number = m_names.numberOf(hash.value());
   m_pointer += '/';
   appendToken({name.c_str(), name.length()}, m_pointer);
   if (number > 1) {

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "tarn/document/tarn_document_strict.h"
+#include "tarn/document/tarn_document_survey.h"
 #include "tarn/document/tarn_document_tree.h"
 #include "tarn/document/tarn_document_utf8.h"
 #include "tests/cases.h"
@@ -89,6 +90,17 @@ std::string events(const Arguments& words) {
   return told;
 }
 
+/// The pointers when repeated names are found on disk, beforehand.
+std::string surveyed(std::string_view document) {
+  RepeatSurvey survey;
+  Reader(survey).feed(document);
+  Repeats repeats = survey.finish();
+  Path path(repeats);
+  Recorder recorder(path);
+  Reader(recorder, path).feed(document);
+  return recorder.pointers;
+}
+
 std::string pointersOf(const Arguments& words) {
   const Tree tree(words[0]);
   std::string all;
@@ -98,6 +110,7 @@ std::string pointersOf(const Arguments& words) {
     all += pointer.empty() ? "" : " " + pointer;
   }
   EXPECT_EQ(all, Reading(words[0], 1).recorder.pointers);
+  EXPECT_EQ(all, surveyed(words[0]));
   return all.substr(1);
 }
 

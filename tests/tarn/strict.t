@@ -24,3 +24,17 @@ Depth is bounded and told.
   20001
   $ nested 10001 | tarn strict 2>&1 | sed 's, in /.*/0, in /...,'
   tarn: -:1:10001: damaged in /...: is nested deeper than 10,000
+
+Places carry the numbers of repeated names, also where there are too many names to remember.
+
+  $ printf '{"a": 1, "a": [tru' | tarn strict
+  tarn: -:1:19: cut in /a#2/0: ends inside a value
+  [1]
+  $ many() { echo '{"a": ""'; seq 600000 | sed 's/.*/, "n&": ""/'; printf ', "n#2": "", "n": "", "a": {"n": ""}, "n": ""'; }
+  $ (many; echo '}') | tarn strict --unique --lines | tail -c 46
+  ":"","n#2":"","n":"","a#2":{"n":""},"n#3":""}
+  $ (many; echo '}') | tarn status --json | jq -c .repeated
+  ["/a#2","/n#3"]
+  $ (many; printf ', "a": [tru') | tarn strict --unique
+  tarn: -:600002:57: cut in /a#3/0: ends inside a value
+  [1]
