@@ -9,8 +9,7 @@
 -- hold no data.
 --
 -- Where the engine has no such thing, a text is empty and a statistic -1. Beside each column stands the fact of the
--- engine that it tells. The rows of a view come in an order; a query that groups has its groups in that order, so
--- what the default template groups by comes first in it.
+-- engine that it tells. The rows of a view come by name, and the engine sorts the groups of a query by their key.
 set names utf8mb4;
 set sql_mode = 'STRICT_TRANS_TABLES,NO_ENGINE_SUBSTITUTION';
 
@@ -47,8 +46,8 @@ begin
     select concat(routine_schema, '.', routine_name) from information_schema.routines
     where routine_schema in ('syscat', 'sysstat', 'syszent', 'sysproc')) as made
   where name not in (
-    'syscat.mirel_columns', 'syscat.mirel_file_name', 'syscat.mirel_other_engine', 'syscat.mirel_relations',
-    'syscat.mirel_remove',
+    'syscat.mirel_columns', 'syscat.mirel_file_name', 'syscat.mirel_other_engine', 'syscat.mirel_partitions',
+    'syscat.mirel_relations', 'syscat.mirel_remove',
     'syscat.bufferpools', 'syscat.columns', 'syscat.datapartitions', 'syscat.securitylabels', 'syscat.statements',
     'syscat.tables', 'syscat.tablespaces', 'sysstat.tables', 'syszent.sysdummy1', 'sysproc.db_get_cfg',
     'sysproc.admin_get_encryption_info');
@@ -92,107 +91,148 @@ begin
   return found;
 end //
 
--- The relations of a database as a JSON array of one array each:
--- name, type, storage, time of the statistics, [rows, pages, packed, [partitions]], value compression, ratio,
--- clustering, grants. It takes a file opened for each table, so the session keeps the answer for two seconds, and
--- that of mirel_columns with it: the queries of one document share it.
+-- The relations of a database by name, as a JSON array of one array each:
+-- name, type, compression, storage, pages, rows, time of the statistics, ratio, clustering, grants.
+-- It takes a file opened for each table, so the session keeps the answer for two seconds, and those of mirel_columns
+-- and mirel_partitions with it: the queries of one document share them.
 create or replace function syscat.mirel_relations(db varchar(64) character set utf8mb3) returns longtext
 sql security definer reads sql data
 begin
-  declare relations, columns_of longtext;
+  declare listed, packed_columns, columns_of, partitions_of, relations longtext;
   if db is null then
     return '[]';
   end if;
   if @mirel_relations_of is null or @mirel_relations_of <> db
       or @mirel_relations_at < sysdate(6) - interval 2 second then
-    -- What the engine's tables tell is brought together by grouping: of a join between them the optimizer knows
-    -- nothing, and would compare each with each.
+    -- group_concat_max_len bounds json_arrayagg, too.
+    set statement group_concat_max_len = 4294967295 for
+    select coalesce(json_arrayagg(json_array(
+      table_name,
+      case table_type when 'VIEW' then 'V' when 'SEQUENCE' then 'Q' else 'T' end,
+      engine,
+      json_compact(case when table_type not in ('VIEW', 'SEQUENCE') and engine <> 'InnoDB'
+        then syscat.mirel_other_engine(db, table_name, engine) else '[]' end))), '[]')
+    into listed
+    from information_schema.tables where table_schema = db;
+
+    -- The columns of sequences are the engine's own.
     set statement group_concat_max_len = 4294967295 for
     select
-      coalesce(json_arrayagg(json_array(
-        t.name,
-        t.type,
-        case when t.type <> 'T' then 'N' when t.engine in ('InnoDB', 'Aria', 'MyISAM') then 'R'
-          else upper(t.engine)
-        end,
-        t.last_update,
-        json_compact(case
-          when t.type <> 'T' then '[-1, -1, 0, []]'
-          when t.engine <> 'InnoDB' then syscat.mirel_other_engine(db, t.name, t.engine)
-          else json_array(coalesce(t.card, -1), coalesce(t.npages, -1), coalesce(t.packed, 0),
-            json_compact(coalesce(t.partitions, '[]')))
-        end),
-        coalesce(t.compressed, 0),
-        coalesce(t.ratio, -1),
-        case when t.type = 'T' and t.engine = 'InnoDB' then if(t.keyless, 'T', 'Y') else '' end,
-        if(t.granted, 'C', ''))), '[]'),
-      coalesce(json_arrayagg(
-        case when t.type <> 'Q' then json_compact(json_array(t.name, json_compact(t.columns))) end), '[]')
-    into relations, columns_of
+      coalesce(json_arrayagg(json_array(c.table_name, c.ordinal_position, c.column_name, upper(c.data_type))
+        order by c.table_name collate utf8mb3_bin, c.ordinal_position), '[]'),
+      concat('[', coalesce(group_concat(distinct
+        if(c.column_type like '%/*M!100301 COMPRESSED*/', json_quote(c.table_name), null)), ''), ']')
+    into columns_of, packed_columns
+    from information_schema.columns as c
+    left join (
+      select distinct l.name
+      from json_table(listed, '$[*]' columns (
+        name varchar(64) character set utf8mb3 collate utf8mb3_bin path '$[0]', type char(1) path '$[1]')) as l
+      where l.type = 'Q') as q
+      on q.name = c.table_name collate utf8mb3_bin
+    where c.table_schema = db and q.name is null;
+
+    -- TABLE#P#PARTITION or TABLE#P#PARTITION#SP#SUBPARTITION; what else has a # is there while a table is rebuilt.
+    set statement group_concat_max_len = 4294967295 for
+    select coalesce(json_arrayagg(json_array(p.name, p.part)), '[]')
+    into partitions_of
     from (
       select
-        f.name, max(f.type) as type, max(f.engine) as engine, max(f.compressed) as compressed,
-        max(f.columns) as columns, max(f.last_update) as last_update, max(f.card) as card, max(f.npages) as npages,
-        max(f.keyless) as keyless, max(f.packed) as packed, max(f.ratio) as ratio, max(f.partitions) as partitions,
-        max(f.granted) as granted
+        syscat.mirel_file_name(substring_index(substring_index(name, '/', -1), '#P#', 1)) as name,
+        syscat.mirel_file_name(substring_index(name, '#', -1)) as part
+      from information_schema.innodb_sys_tables
+      where name like concat(replace(cast(convert(db using filename) as binary), '_', '\_'), '/%')
+        and name regexp '/[^#]+#P#[^#]+(#SP#[^#]+)?$'
+      union all
+      select l.name, l.part
+      from json_table(listed, '$[*]' columns (
+        name varchar(64) path '$[0]', nested path '$[3][3][*]' columns (part varchar(140) path '$'))) as l
+      where l.part is not null) as p;
+
+    -- What the engine's tables tell is brought together by grouping: of a join between them the optimizer knows
+    -- nothing, and would compare each with each. No long text passes through it, which would go by way of the disk.
+    set statement group_concat_max_len = 4294967295 for
+    select coalesce(json_arrayagg(json_array(
+      t.name,
+      t.type,
+      case when t.packed and t.packed_columns then 'B' when t.packed then 'R' when t.packed_columns then 'V' else 'N'
+      end,
+      case when t.type <> 'T' then 'N' when t.engine in ('InnoDB', 'Aria', 'MyISAM') then 'R' else upper(t.engine)
+      end,
+      if(t.type = 'T', coalesce(t.npages, -1), -1),
+      if(t.type = 'T', coalesce(t.card, -1), -1),
+      t.last_update,
+      coalesce(t.ratio, -1),
+      case when t.type = 'T' and t.engine = 'InnoDB' then if(t.keyless, 'T', 'Y') else '' end,
+      if(t.granted, 'C', '')) order by t.name), '[]')
+    into relations
+    from (
+      select
+        f.name, max(f.type) as type, max(f.engine) as engine, max(f.packed_columns) as packed_columns,
+        max(f.last_update) as last_update, max(f.card) as card, max(f.npages) as npages, max(f.keyless) as keyless,
+        max(f.packed) as packed, max(f.ratio) as ratio, max(f.granted) as granted
       from (
         select
-          table_name collate utf8mb3_bin as name,
-          case table_type when 'VIEW' then 'V' when 'SEQUENCE' then 'Q' else 'T' end as type,
-          engine, null as compressed, null as columns, null as last_update, null as card, null as npages,
-          null as keyless, null as packed, null as ratio, null as partitions, null as granted
-        from information_schema.tables where table_schema = db
+          name collate utf8mb3_bin as name, type, engine, null as packed_columns, null as last_update, card, npages,
+          null as keyless, packed, null as ratio, null as granted
+        from json_table(listed, '$[*]' columns (
+          name varchar(64) character set utf8mb3 path '$[0]', type char(1) path '$[1]',
+          engine varchar(64) character set utf8mb3 path '$[2]', card bigint path '$[3][0]',
+          npages bigint path '$[3][1]', packed boolean path '$[3][2]')) as l
         union all
-        select
-          table_name collate utf8mb3_bin as name, null, null,
-          max(column_type like '%/*M!100301 COMPRESSED*/'),
-          json_arrayagg(json_array(column_name, upper(data_type)) order by ordinal_position),
-          null, null, null, null, null, null, null, null
-        from information_schema.columns where table_schema = db group by name
+        select name collate utf8mb3_bin, null, null, true, null, null, null, null, null, null, null
+        from json_table(packed_columns, '$[*]' columns (name varchar(64) character set utf8mb3 path '$')) as c
         -- Of a partitioned table each partition has a row of its own, TABLE#P#PARTITION. A table that is called so
         -- without being one remains without statistics.
         union all
         select
-          substring_index(table_name, '#P#', 1) collate utf8mb3_bin as name, null, null, null, null,
-          max(last_update), sum(n_rows), sum(clustered_index_size), null, null, null, null, null
+          substring_index(table_name, '#P#', 1) collate utf8mb3_bin as name, null, null, null,
+          max(last_update), sum(n_rows), sum(clustered_index_size), null, null, null, null
         from mysql.innodb_table_stats where database_name = db group by name
         union all
         select
-          substring_index(table_name, '#P#', 1) collate utf8mb3_bin, null, null, null, null, null, null, null,
-          true, null, null, null, null
+          substring_index(table_name, '#P#', 1) collate utf8mb3_bin, null, null, null, null, null, null, true, null,
+          null, null
         from mysql.innodb_index_stats where database_name = db and index_name = 'GEN_CLUST_INDEX'
         union all
         select
           convert(syscat.mirel_file_name(substring_index(substring_index(i.name, '/', -1), '#P#', 1)) using utf8mb3)
             collate utf8mb3_bin as name,
-          null, null, null, null, null, null, null, null,
-          max(row_format = 'Compressed' or flag & 128 <> 0),
-          max(case when zip_page_size > 0 then p.size / zip_page_size end),
-          json_arrayagg(
-            case when i.name like '%#P#%' then syscat.mirel_file_name(substring_index(i.name, '#P#', -1)) end),
-          null
+          null, null, null, null, null, null, null, true,
+          max(case when zip_page_size > 0 then p.size / zip_page_size end), null
         from information_schema.innodb_sys_tables as i,
           (select variable_value as size from information_schema.global_variables
            where variable_name = 'INNODB_PAGE_SIZE') as p
         where i.name like concat(replace(cast(convert(db using filename) as binary), '_', '\_'), '/%')
-          and (i.name like '%#P#%' or row_format = 'Compressed' or flag & 128 <> 0)
+          and i.name not like '%/#%' and (row_format = 'Compressed' or flag & 128 <> 0)
         group by 1
         union all
         select
-          table_name collate utf8mb3_bin, null, null, null, null, null, null, null, null, null, null, null, true
+          table_name collate utf8mb3_bin, null, null, null, null, null, null, null, null, null, true
         from mysql.columns_priv where columns_priv.db = db) as f
       group by f.name
       having type is not null) as t;
-    set @mirel_relations = relations, @mirel_columns = columns_of, @mirel_relations_of = db,
-      @mirel_relations_at = sysdate(6);
+    set @mirel_relations = relations, @mirel_columns = columns_of, @mirel_partitions = partitions_of,
+      @mirel_relations_of = db, @mirel_relations_at = sysdate(6);
   end if;
   return @mirel_relations;
 end //
 
--- The columns of the tables and views of a database, likewise: name of the table, [[name, type]...].
+-- The columns of the tables and views of a database, likewise: name of the table, position, name, type.
 create or replace function syscat.mirel_columns(db varchar(64) character set utf8mb3) returns longtext
 sql security definer reads sql data
-  return if(syscat.mirel_relations(db) = '[]', '[]', @mirel_columns) //
+begin
+  declare relations longtext default syscat.mirel_relations(db);
+  return if(db is null, relations, @mirel_columns);
+end //
+
+-- The partitions of its tables, likewise: name of the table, name of the partition.
+create or replace function syscat.mirel_partitions(db varchar(64) character set utf8mb3) returns longtext
+sql security definer reads sql data
+begin
+  declare relations longtext default syscat.mirel_relations(db);
+  return if(db is null, relations, @mirel_partitions);
+end //
 delimiter ;
 
 -- One row, for facts that need no table.
@@ -212,9 +252,8 @@ select
                                  -- engines; -1 unknown
   r.npages,                      -- innodb_table_stats.clustered_index_size; Aria: DATA_LENGTH in blocks; -1 unknown
   r.tableorg,                    -- R rows (InnoDB, Aria, MyISAM), else TABLES.ENGINE; N no storage of its own
-  case when r.packed and r.compressed then 'B' when r.packed then 'R' when r.compressed then 'V' else 'N'
-  end as compression,            -- R rows packed: ROW_FORMAT=COMPRESSED, PAGE_COMPRESSED or myisampack; V columns
-                                 -- with COMPRESSED; B both
+  r.compression,                 -- R rows packed: ROW_FORMAT=COMPRESSED, PAGE_COMPRESSED or myisampack; V columns
+                                 -- with COMPRESSED; B both; N none
   '' as rowcompmode,             -- empty: the engine packs pages, and knows no modes
   r.avgrowcompressionratio,      -- size of a page by the size that KEY_BLOCK_SIZE gives it; -1 unknown
   r.clustered,                   -- InnoDB: Y rows lie in the order of a key, T in that of their insertion
@@ -223,16 +262,14 @@ select
 from json_table(syscat.mirel_relations(database()), '$[*]' columns (
   tabname varchar(64) path '$[0]',
   type char(1) path '$[1]',
-  tableorg varchar(64) path '$[2]',
-  stats_time datetime path '$[3]',
-  card bigint path '$[4][0]',
-  npages bigint path '$[4][1]',
-  packed boolean path '$[4][2]',
-  compressed boolean path '$[5]',
-  avgrowcompressionratio float path '$[6]',
-  clustered char(1) path '$[7]',
-  control char(1) path '$[8]')) as r
-order by r.type = 'T', r.type, r.tableorg, r.tabname;
+  compression char(1) path '$[2]',
+  tableorg varchar(64) path '$[3]',
+  npages bigint path '$[4]',
+  card bigint path '$[5]',
+  stats_time datetime path '$[6]',
+  avgrowcompressionratio float path '$[7]',
+  clustered char(1) path '$[8]',
+  control char(1) path '$[9]')) as r;
 
 -- The statistics of the tables alone: of those that are of type T in syscat.tables.
 create or replace view sysstat.tables as
@@ -254,12 +291,9 @@ select
   r.typename                 -- COLUMNS.DATA_TYPE in upper case: INT, VARCHAR, LONGTEXT (JSON is one)
 from json_table(syscat.mirel_columns(database()), '$[*]' columns (
   tabname varchar(64) path '$[0]',
-  nested path '$[1][*]' columns (
-    colno for ordinality,
-    colname varchar(64) path '$[0]',
-    typename varchar(64) path '$[1]'))) as r
-where r.colname is not null
-order by r.typename, r.tabname, r.colno;
+  colno integer path '$[1]',
+  colname varchar(64) path '$[2]',
+  typename varchar(64) path '$[3]')) as r;
 
 -- The partitions of tables; of a table with subpartitions those.
 create or replace view syscat.datapartitions as
@@ -268,29 +302,30 @@ select
   r.tabname,                                           -- TABLES.TABLE_NAME
   concat(r.tabname, '.', r.name) as datapartitionid,   -- unique in the database: the engine has no number for it
   r.name as datapartitionname                          -- PARTITIONS.PARTITION_NAME
-from json_table(syscat.mirel_relations(database()), '$[*]' columns (
+from json_table(syscat.mirel_partitions(database()), '$[*]' columns (
   tabname varchar(64) path '$[0]',
-  nested path '$[4][3][*]' columns (name varchar(140) path '$'))) as r
-where r.name is not null
+  name varchar(140) path '$[1]')) as r
 order by r.tabname, r.name;
 
 -- The caches that the server is set to; innodb_buffer_pool is the one that InnoDB's tablespaces use.
 create or replace view syscat.bufferpools as
 select
-  b.bpname,                                                      -- name of the cache
-  b.bufferpoolid,                                                -- 1 InnoDB, 2 Aria, 3 MyISAM (indexes only)
-  cast(n.variable_value as unsigned) div p.pagesize as npages,   -- its size in pages
-  p.pagesize                                                     -- in bytes
+  elt(v.bufferpoolid, 'innodb_buffer_pool', 'aria_pagecache', 'key_buffer') as bpname,  -- name of the cache
+  v.bufferpoolid,                         -- 1 InnoDB, 2 Aria, 3 MyISAM (indexes only)
+  max(v.size) div max(v.page) as npages,  -- its size in pages
+  max(v.page) as pagesize                 -- in bytes
 from (
-  select 1 as bufferpoolid, 'innodb_buffer_pool' as bpname, 'INNODB_BUFFER_POOL_SIZE' as size,
-    'INNODB_PAGE_SIZE' as page
-  union all select 2, 'aria_pagecache', 'ARIA_PAGECACHE_BUFFER_SIZE', 'ARIA_BLOCK_SIZE'
-  union all select 3, 'key_buffer', 'KEY_BUFFER_SIZE', 'KEY_CACHE_BLOCK_SIZE') as b
-join information_schema.global_variables as n on n.variable_name = b.size
-join (
-  select variable_name, cast(variable_value as unsigned) as pagesize from information_schema.global_variables) as p
-  on p.variable_name = b.page
-order by b.bufferpoolid;
+  -- Of one reading, since a join would read all variables again for each row.
+  select
+    field(substring_index(variable_name, '_', 1), 'INNODB', 'ARIA', 'KEY') as bufferpoolid,
+    if(variable_name like '%_BUFFER_%', cast(variable_value as unsigned), null) as size,
+    if(variable_name like '%_BUFFER_%', null, cast(variable_value as unsigned)) as page
+  from information_schema.global_variables
+  where variable_name in (
+    'INNODB_BUFFER_POOL_SIZE', 'INNODB_PAGE_SIZE', 'ARIA_PAGECACHE_BUFFER_SIZE', 'ARIA_BLOCK_SIZE',
+    'KEY_BUFFER_SIZE', 'KEY_CACHE_BLOCK_SIZE')) as v
+group by v.bufferpoolid
+order by v.bufferpoolid;
 
 -- InnoDB's tablespaces: the shared ones by name, and the files that hold one table each as one line for each size
 -- of page.
