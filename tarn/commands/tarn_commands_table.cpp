@@ -13,6 +13,8 @@ Command templateCommand();
 Command checkCommand();
 Command planCommand();
 Command tryCommand();
+Command fleetCommand();
+Command fleetLoadCommand();
 
 const std::vector<Command>& commands() {
   // clang-format off
@@ -28,6 +30,8 @@ const std::vector<Command>& commands() {
       checkCommand(),
       planCommand(),
       tryCommand(),
+      fleetCommand(),
+      fleetLoadCommand(),
   };
   // clang-format on
   return all;
