@@ -26,9 +26,9 @@ std::string lastProblem() {
 
 }  // namespace
 
-std::optional<std::string> Output::openFile(const std::string& path) {
+std::optional<std::string> Output::openFile(const std::string& path, const std::string& folder) {
   m_name = path;
-  m_problem = m_file.emplace().open(path);
+  m_problem = m_file.emplace().open(path, folder);
   return m_problem;
 }
 
@@ -76,39 +76,49 @@ bool Outputs::tell(const std::string& name, const std::optional<std::string>& pr
   return !problem;
 }
 
-bool Outputs::openOne(const std::string& path, const std::vector<std::string>& inputs) {
+bool Outputs::openOne(const std::string& path, const std::string& folder,
+                      const std::vector<std::string>& inputs, const std::string& map) {
   const bool overInput = std::any_of(inputs.begin(), inputs.end(), [&path](const std::string& input) {
     return input != "-" && sameFile(input, path);
   });
-  return tell(
-      path, overInput ? std::optional<std::string>("is an input") : m_outputs.emplace_back().openFile(path));
+  if (overInput || (!map.empty() && samePlace(map, path))) {
+    return tell(path, overInput ? "is an input" : "is the map");
+  }
+  return tell(path, m_outputs.emplace_back().openFile(path, folder));
 }
 
-bool Outputs::open(const std::vector<std::string>& inputs, const std::string& out) {
-  if (out.empty()) {
-    return std::all_of(inputs.begin(), inputs.end(), [this](const auto&) {
-      return tell("standard output", m_outputs.emplace_back().openSpool());
-    });
-  }
-  struct stat there = {};
-  const bool isDirectory = stat(out.c_str(), &there) == 0 && S_ISDIR(there.st_mode);
-  if (inputs.size() == 1 && !isDirectory) {
-    return openOne(out, inputs);
-  }
-  if (!isDirectory && mkdir(out.c_str(), 0700) != 0) {
-    return tell(out, lastProblem());
-  }
+bool Outputs::openAll(const std::vector<std::string>& inputs, const std::string& directory,
+                      const std::string& folder, const std::string& map) {
   std::vector<std::string> names;
   for (const std::string& input : inputs) {
     names.push_back(baseName(input));
     if (std::count(names.begin(), names.end(), names.back()) > 1) {
       return tell(names.back(), "two inputs have this name");
     }
-    if (!openOne(out + "/" + names.back(), inputs)) {
+    if (!openOne(directory + "/" + names.back(), folder, inputs, map)) {
       return false;
     }
   }
   return true;
+}
+
+bool Outputs::open(const std::vector<std::string>& inputs, const std::string& out, const std::string& map) {
+  if (out.empty()) {
+    return std::all_of(inputs.begin(), inputs.end(), [this](const auto&) {
+      return tell("standard output", m_outputs.emplace_back().openSpool());
+    });
+  }
+  struct stat there = {};
+  const bool isThere = stat(out.c_str(), &there) == 0;
+  if (isThere && S_ISDIR(there.st_mode)) {
+    return openAll(inputs, out, {}, map);
+  }
+  if (inputs.size() == 1) {
+    return openOne(out, {}, inputs, map);
+  }
+  m_newDirectory = out.substr(0, out.find_last_not_of('/') + 1);
+  return isThere ? tell(out, "not a directory")
+                 : openAll(inputs, m_newDirectory, folderOf(m_newDirectory), map);
 }
 
 bool Outputs::flush(Output& output) {
@@ -116,9 +126,15 @@ bool Outputs::flush(Output& output) {
   return tell(output.name(), output.problem());
 }
 
+bool Outputs::makeDirectory() {
+  const bool made = m_newDirectory.empty() || mkdir(m_newDirectory.c_str(), 0700) == 0;
+  return made || tell(m_newDirectory, lastProblem());
+}
+
 bool Outputs::finish() {
-  return std::all_of(m_outputs.begin(), m_outputs.end(),
-                     [this](Output& output) { return tell(output.name(), output.finish(m_console)); });
+  return makeDirectory() && std::all_of(m_outputs.begin(), m_outputs.end(), [this](Output& output) {
+           return tell(output.name(), output.finish(m_console));
+         });
 }
 
 }  // namespace tarn

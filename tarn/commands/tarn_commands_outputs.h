@@ -19,7 +19,8 @@ class Console;
 /// One document on its way. What goes to standard output waits in a file without a name.
 class Output {
  public:
-  std::optional<std::string> openFile(const std::string& path);
+  /// `folder`: as of OutputFile.
+  std::optional<std::string> openFile(const std::string& path, const std::string& folder);
   std::optional<std::string> openSpool();
 
   /// After a problem nothing is written any more.
@@ -47,8 +48,9 @@ class Outputs {
   explicit Outputs(Console& console) : m_console(console) {}
 
   /// An output for each input: `out` is empty for standard output, a directory when there are several inputs.
-  /// False when one of them cannot be, or would replace an input; the console was told.
-  bool open(const std::vector<std::string>& inputs, const std::string& out);
+  /// The directory is made if it is not there. False when one of them cannot be, or would replace an input or
+  /// the map; the console was told.
+  bool open(const std::vector<std::string>& inputs, const std::string& out, const std::string& map);
   Output& at(std::size_t index) { return m_outputs[index]; }
   /// Whether all was written, up to the last byte; else the console was told.
   bool flush(Output& output);
@@ -56,10 +58,15 @@ class Outputs {
   bool finish();
 
  private:
-  bool openOne(const std::string& path, const std::vector<std::string>& inputs);
+  bool openAll(const std::vector<std::string>& inputs, const std::string& directory,
+               const std::string& folder, const std::string& map);
+  bool openOne(const std::string& path, const std::string& folder, const std::vector<std::string>& inputs,
+               const std::string& map);
+  bool makeDirectory();
   bool tell(const std::string& name, const std::optional<std::string>& problem);
 
   Console& m_console;
+  std::string m_newDirectory;  ///< made when all outputs are whole
   std::deque<Output> m_outputs;
 };
 

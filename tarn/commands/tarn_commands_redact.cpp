@@ -60,7 +60,7 @@ class Redaction {
       : m_options(options), m_console(console), m_wanted(wantedKinds(options)), m_outputs(console) {}
 
   Outcome run() {
-    const bool ready = m_outputs.open(m_options.files, m_options.out) && loadMap();
+    const bool ready = m_outputs.open(m_options.files, m_options.out, m_options.map) && loadMap();
     if (!ready || !collectAll() || m_outcome == Outcome::something || !rewriteAll() || !saveMap() ||
         !m_outputs.finish()) {
       return m_outcome;
@@ -196,7 +196,7 @@ Outcome restore(const RedactOptions& options, Console& console) {
     console.trouble(options.map, shown(*reason));
     return Outcome::nothing;
   }
-  if (!outputs.open(options.files, options.out)) {
+  if (!outputs.open(options.files, options.out, options.map)) {
     return Outcome::nothing;
   }
   const Patterns patterns;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
 namespace tarn {
 
@@ -14,15 +15,6 @@ namespace {
 
 std::string lastProblem() {
   return strerror(errno);
-}
-
-std::string folderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
-
-std::string temporaryName(const std::string& path) {
-  return folderOf(path) + "/.tarn-XXXXXX";
 }
 
 /// A name can only be replaced where nothing or an ordinary file stands.
@@ -56,14 +48,15 @@ OutputFile::~OutputFile() {
   }
 }
 
-std::optional<std::string> OutputFile::open(const std::string& path) {
+std::optional<std::string> OutputFile::open(const std::string& path, const std::string& folder) {
   m_path = resolved(path);
+  m_folder = folder.empty() ? folderOf(m_path) : folder;
   if (!canBeReplaced(m_path)) {
     return "not an ordinary file";
   }
-  m_descriptor = ::open(folderOf(m_path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+  m_descriptor = ::open(m_folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
   if (m_descriptor == -1) {
-    std::string temporary = temporaryName(m_path);
+    std::string temporary = m_folder + "/.tarn-XXXXXX";
     m_descriptor = mkostemp(temporary.data(), O_CLOEXEC);
     m_temporary = m_descriptor == -1 ? "" : temporary;
   }
@@ -92,23 +85,32 @@ std::optional<std::string> OutputFile::finish(unsigned int mode) {
   return std::nullopt;
 }
 
-// linkat(2) replaces nothing, so the file gets a temporary name for the moment until rename(2).
+bool OutputFile::link(const std::string& path) const {
+  const std::string nameless = "/proc/self/fd/" + std::to_string(m_descriptor);
+  return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+// linkat(2) replaces nothing, so where something stands the file has a temporary name for the moment until
+// rename(2).
 bool OutputFile::name() {
-  if (m_temporary.empty()) {
-    std::string temporary = temporaryName(m_path);
-    const int place = mkostemp(temporary.data(), O_CLOEXEC);
-    if (place == -1) {
+  if (m_temporary.empty() && link(m_path)) {
+    return true;
+  }
+  for (unsigned number = 0; m_temporary.empty(); ++number) {
+    const std::string temporary =
+        m_folder + "/.tarn-" + std::to_string(getpid()) + "-" + std::to_string(number);
+    if (link(temporary)) {
+      m_temporary = temporary;
+    } else if (errno != EEXIST) {
       return false;
     }
-    close(place);
-    unlink(temporary.c_str());
-    const std::string nameless = "/proc/self/fd/" + std::to_string(m_descriptor);
-    if (linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, temporary.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-      return false;
-    }
-    m_temporary = temporary;
   }
   return rename(m_temporary.c_str(), m_path.c_str()) == 0;
+}
+
+std::string folderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
 bool sameFile(const std::string& one, const std::string& other) {
@@ -116,6 +118,14 @@ bool sameFile(const std::string& one, const std::string& other) {
   struct stat second = {};
   return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 &&
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+bool samePlace(const std::string& one, const std::string& other) {
+  const auto whole = [](const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(path, failed), failed);
+  };
+  return sameFile(one, other) || whole(one) == whole(other);
 }
 
 }  // namespace tarn

@@ -44,9 +44,16 @@ Nothing is written of a document that is not whole, over an input, with a map th
   $ tarn redact cut.json sample.json -o $O/none
   tarn: cut.json:53:31: cut in /databaseInfo/0/bufferpools/0: ends inside an object
   [1]
-  $ ls -A $O/none
+  $ test -e $O/none
+  [1]
   $ tarn redact $O/a.json -o $O/a.json
   tarn: */a.json: is an input (glob)
+  [2]
+  $ tarn redact $O/a.json -o $O/new --map $O/./new
+  tarn: */new: is the map (glob)
+  [2]
+  $ tarn restore $O/out.json -o $O/map --map $O/map
+  tarn: */map: is the map (glob)
   [2]
   $ chmod 644 $O/map && tarn redact $O/a.json --map $O/map
   tarn: */map: others have rights on it; a map has mode 0600 (glob)
