@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "common/mirel_common_eight.h"
+#include "tarn/document/tarn_document_shown.h"
 #include "tarn/document/tarn_document_utf8.h"
 
 using namespace eight;
@@ -26,6 +27,36 @@ void appendEscape(char byte, std::string& out) {
     out += '\\';
     out += kNames[named];
   }
+}
+
+/// Beyond U+FFFF as a surrogate pair.
+void appendNumber(char32_t character, std::string& out) {
+  const auto number = static_cast<unsigned>(character);
+  if (number < 0x10000) {
+    fmt::format_to(std::back_inserter(out), "\\u{:04x}", number);
+  } else {
+    fmt::format_to(std::back_inserter(out), "\\u{:04x}\\u{:04x}", 0xD7C0 + (number >> 10),
+                   0xDC00 + (number & 0x3FF));
+  }
+}
+
+/// The first character of a text that is going to be seen. Returns how many bytes it takes.
+std::size_t appendSafe(std::string_view text, std::string& out) {
+  const Utf8 next = nextUtf8(text);
+  if (!next.valid) {
+    out += kReplacement;
+  } else if (text[0] == '"' || text[0] == '\\' || next.character < 0x20) {
+    appendEscape(text[0], out);
+  } else if (isHidden(next.character)) {
+    appendNumber(next.character, out);
+  } else {
+    out += text.substr(0, next.length);
+  }
+  return next.length;
+}
+
+bool isPlain(char byte) {
+  return byte >= ' ' && byte < '\x7f' && byte != '"' && byte != '\\';
 }
 
 bool isAscii(char byte) {
@@ -82,14 +113,12 @@ bool isStrict(std::string_view raw) {
 
 void appendJsonString(std::string_view text, std::string& out) {
   out += '"';
-  for (;;) {
-    const std::size_t run = std::min(text.find_first_of("\"\\"), text.size());
-    appendStrict(text.substr(0, run), out);
-    if (run == text.size()) {
-      break;
-    }
-    appendEscape(text[run], out);
-    text.remove_prefix(run + 1);
+  while (!text.empty()) {
+    const auto run =
+        static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
+    out += text.substr(0, run);
+    text.remove_prefix(run);
+    text.remove_prefix(text.empty() ? 0 : appendSafe(text, out));
   }
   out += '"';
 }

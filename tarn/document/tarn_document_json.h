@@ -9,11 +9,13 @@
 
 namespace tarn {
 
-/// Appends a string with its quotes. Bytes below 0x20 become `\b \t \n \f \r` or `\u00xx`, bytes that are no
-/// UTF-8 U+FFFD, one for each maximal subpart (Unicode 3.9).
+/// Appends a string with its quotes, for eyes, too: bytes below 0x20 become `\b \t \n \f \r` or `\u00xx`,
+/// characters that a terminal would obey or not show (isHidden) `\uXXXX`, and bytes that are no UTF-8 U+FFFD,
+/// one for each maximal subpart (Unicode 3.9).
 void appendJsonString(std::string_view text, std::string& out);
 
-/// Appends the raw bytes of a string as strict JSON: escapes stay as they are, the rest as above.
+/// Appends the raw bytes of a string as strict JSON: escapes and characters stay as they are, other bytes as
+/// above.
 void appendStrict(std::string_view raw, std::string& out);
 /// Whether that changes nothing.
 bool isStrict(std::string_view raw);

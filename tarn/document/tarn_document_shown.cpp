@@ -58,6 +58,10 @@ void appendShown(std::string_view bytes, const Utf8& next, std::string& text) {
 
 }  // namespace
 
+bool isHidden(char32_t character) {
+  return isControl(character) || isIn(kInvisible, character);
+}
+
 Shown shown(std::string_view foreign) {
   Shown result;
   while (!foreign.empty()) {

@@ -64,6 +64,9 @@ Shown say(fmt::format_string<const Parts&...> format, const Parts&... parts) {
   return result;
 }
 
+/// Whether a terminal would obey the character, or not show it at all.
+bool isHidden(char32_t character);
+
 /// How many terminal columns the text takes: wide characters of East Asian scripts two, combining marks none.
 std::size_t columns(std::string_view text);
 

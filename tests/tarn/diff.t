@@ -42,3 +42,6 @@ Nothing foreign reaches the terminal as a control sequence.
   $ tarn diff <(echo '{}') hostile.json | LC_ALL=C grep -c $'[\x01-\x09\x0b-\x1f\x7f]\|\xe2\x80\xae'
   0
   [1]
+  $ tarn diff --json <(echo '{}') <(printf '{"\x7f": "\xc2\x9b2J\xe2\x80\xaeé😀\xf3\xa0\x81\x81"}')
+  {"pointer": "/\u007f", "row": null, "change": "added", "old": null, "new": "\u009b2J\u202eé😀\udb40\udc41"}
+  [1]
