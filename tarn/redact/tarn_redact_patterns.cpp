@@ -4,6 +4,7 @@
 #include <re2/set.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 
 #include "tarn/redact/tarn_redact_rules.h"
@@ -50,6 +51,31 @@ std::size_t afterFirstPiece(std::string_view text, const Span& refused) {
   return std::max(at, refused.offset + 1);
 }
 
+Span spanOf(std::string_view text, const re2::StringPiece& group, RedactKind kind) {
+  return {static_cast<std::size_t>(group.data() - text.data()), group.size(), kind, false};
+}
+
+/// Appends what the rule accepts of a match. Where to go on.
+std::size_t take(std::string_view text, const re2::StringPiece& match, const RedactRule& rule,
+                 const RE2& pattern, std::vector<Span>* found) {
+  std::array<re2::StringPiece, 3> groups;  // the first is the match
+  const int count = pattern.NumberOfCapturingGroups() + 1;
+  pattern.Match(match, 0, match.size(), RE2::ANCHOR_BOTH, groups.data(), count);
+  Span span = spanOf(text, groups[1], rule.kind);
+  const bool isBehind = groups[1].data() > match.data();
+  std::size_t next = isBehind ? span.offset : afterFirstPiece(text, span);
+  if (span.length > 0 && rule.accept(text, &span)) {
+    found->push_back(span);
+    next = span.end();
+  }
+  Span second = count == 3 ? spanOf(text, groups[2], RedactKind::secret) : Span();
+  if (second.length > 0 && acceptSecret(text, &second)) {
+    found->push_back(second);
+    next = second.end();
+  }
+  return next;
+}
+
 }  // namespace
 
 /// The rules three times, since only automata are quick, and those tell neither which one it was nor its
@@ -71,24 +97,13 @@ Patterns::Patterns() : m_compiled(std::make_unique<Compiled>()) {
 Patterns::~Patterns() = default;
 
 void Patterns::find(std::string_view text, std::size_t from, std::vector<Span>* found) const {
-  const auto& rules = redactRules();
   re2::StringPiece match;
   std::vector<int> which;
   std::size_t at = from;
   while (m_compiled->any.Match(pieceOf(text), at, text.size(), RE2::UNANCHORED, &match, 1)) {
     m_compiled->which.Match(match, &which);
     const auto first = static_cast<std::size_t>(*std::min_element(which.begin(), which.end()));
-    re2::StringPiece group;
-    RE2::FullMatch(match, *m_compiled->each[first], &group);
-    Span span = {static_cast<std::size_t>(group.data() - text.data()), group.size(), rules[first].kind,
-                 false};
-    if (span.length > 0 && rules[first].accept(text, &span)) {
-      found->push_back(span);
-      at = span.end();
-    } else {
-      const bool isBehind = group.data() > match.data();
-      at = isBehind ? span.offset : afterFirstPiece(text, span);
-    }
+    at = take(text, match, redactRules()[first], *m_compiled->each[first], found);
   }
 }
 

@@ -13,7 +13,7 @@ namespace tarn {
 struct RedactRule {
   RedactKind kind;
   std::string_view name;
-  /// RE2; its one group is what gets a pseudonym.
+  /// RE2; its group is what gets a pseudonym. A second group is a credential, and judged as such.
   std::string pattern;
   /// Looks at what the pattern cannot: what stands around, whether the value means anything. May make the
   /// span shorter; false leaves it alone.
@@ -23,5 +23,8 @@ struct RedactRule {
 };
 
 const std::vector<RedactRule>& redactRules();
+
+/// How credentials are judged (RedactRule::accept): settings about them are none.
+bool acceptSecret(std::string_view text, Span* span);
 
 }  // namespace tarn
