@@ -12,10 +12,6 @@ namespace tarn {
 
 namespace {
 
-bool isContainer(const Node& node) {
-  return node.kind == NodeKind::object || node.kind == NodeKind::array;
-}
-
 Side sideOf(const Tree& tree, const Digests& digests, const Node& container) {
   Side side = {tree, digests, {}};
   side.elements.reserve(container.count);
@@ -23,18 +19,6 @@ Side sideOf(const Tree& tree, const Digests& digests, const Node& container) {
     side.elements.push_back(&child);
   }
   return side;
-}
-
-/// Rows hold texts and scalars only; others are sections of their own.
-bool holdContainers(const Side& side) {
-  for (const Node* const element : side.elements) {
-    for (const Node& member : side.tree.children(*element)) {
-      if (isContainer(member)) {
-        return true;
-      }
-    }
-  }
-  return false;
 }
 
 Digest nameOf(const Node& member) {
@@ -150,7 +134,7 @@ std::vector<Pair> Comparison::pairElements(const Side& before, const Side& after
     for (std::size_t row = 0; row < rows.count(); ++row) {
       (row < old.size() ? old[row] : now[row - old.size()]) = nameOf(rows, row, columns);
     }
-    if (!holdContainers(before) && !holdContainers(after)) {
+    if (fact == nullptr || !fact->isContainer) {
       naming = &m_namings.emplace_back(namesOf(rows, columns));
     }
   } else if (old.size() != 1 || now.size() != 1) {

@@ -44,7 +44,8 @@ struct RouteStep {
   std::string_view key;
   std::uint32_t repeat = 1;
   std::optional<std::uint32_t> index;  ///< of an element
-  /// Of a row, the members that name it. None for elements that hold containers.
+  /// Of a row, the members that name it. None where the facts table says that elements are parts of the
+  /// document.
   std::vector<const Node*> row;
 };
 

@@ -14,9 +14,9 @@ What came, went and changed as objects: values as strict JSON, and the columns t
   $ tarn diff --json <(printf '{"t": [{"ID": 1, "V": "a\tb"}, {"ID": 2, "V": "c"}], "n": "1"}') - <<'END'
   > {"t": [{"ID": 3, "V": {}}, {"ID": 1, "V": "a\u0001"}], "n": null}
   > END
-  {"pointer": "/t/1", "row": null, "change": "removed", "old": {"ID": 2, "V": "c"}, "new": null}
-  {"pointer": "/t/0", "row": null, "change": "added", "old": null, "new": {"ID": 3, "V": {}}}
-  {"pointer": "/t/1/V", "row": null, "change": "changed", "old": "a\tb", "new": "a\u0001"}
+  {"pointer": "/t/1", "row": {"ID": 2}, "change": "removed", "old": {"ID": 2, "V": "c"}, "new": null}
+  {"pointer": "/t/0", "row": {"ID": 3}, "change": "added", "old": null, "new": {"ID": 3, "V": {}}}
+  {"pointer": "/t/1/V", "row": {"ID": 1}, "change": "changed", "old": "a\tb", "new": "a\u0001"}
   {"pointer": "/n", "row": null, "change": "changed", "old": "1", "new": null}
   [1]
   $ tarn diff --json sample.json later.json | jq -r '.change, .row.TYPENAME // empty' | xargs
