@@ -399,7 +399,8 @@ from (
   union all
   select if(variable_name = 'SLAVES_CONNECTED', 'hadr_standbys', 'hadr_cluster_size'), variable_value
   from information_schema.global_status where variable_name in ('SLAVES_CONNECTED', 'WSREP_CLUSTER_SIZE')) as c
-where c.name not regexp '(_password|_secret|_token|_auth|_cmd|provider_options|^init_connect|^init_slave)$'
+where c.name not regexp '_(password|passphrase|secret|token|auth|cmd|filekey|secret_key|access_key|http_proxy)$'
+  and c.name not in ('wsrep_provider_options', 'init_connect', 'init_slave')
 order by c.name;
 
 -- What the server knows of encryption.

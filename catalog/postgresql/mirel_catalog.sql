@@ -133,7 +133,7 @@ left join (
   from pg_seclabel where classoid = 'pg_class'::regclass group by objoid) l
   on l.objoid = t.oid
 where t.relkind in ('r', 'p', 'v', 'm', 'f') and not t.relispartition
-order by s.schemaname, t.relname;
+order by t.relname, s.schemaname;
 
 -- The statistics of the tables alone: of those that are of type T or U in syscat.tables. A view has none, and the
 -- rows of a materialized view or a foreign table are those of other tables.
@@ -159,7 +159,7 @@ join pg_class t on t.oid = a.attrelid
 join syscat.schemata s on s.schemaid = t.relnamespace
 join pg_type y on y.oid = a.atttypid
 where t.relkind in ('r', 'p', 'v', 'm', 'f') and not t.relispartition and a.attnum > 0 and not a.attisdropped
-order by s.schemaname, t.relname, a.attnum;
+order by t.relname, s.schemaname, a.attnum;
 
 -- The leaf partitions of partitioned tables.
 create view syscat.datapartitions as
@@ -224,7 +224,7 @@ begin atomic
   from (
     select g.name, g.setting, g.unit from pg_settings g
     where g.name !~* '(conninfo|_command$|passphrase)'
-      and (g.name !~ '[.]' or g.name !~* '(pass|secret|token|key|auth|conn)')
+      and (g.name !~ '[.]' or g.name !~* '(pass|pwd|cred|secret|token|key|auth|conn|dsn|ur[il])')
     union all
     select 'hadr_' || g.name, g.setting, g.unit from pg_settings g
     where g.name in (
