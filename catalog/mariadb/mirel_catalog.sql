@@ -15,9 +15,12 @@ set sql_mode = 'STRICT_TRANS_TABLES,NO_ENGINE_SUBSTITUTION';
 
 delimiter //
 
--- Never touch what somebody else has made under the same names.
+-- Never touch what somebody else has made under the same names, nor a server that lacks what is used below.
 begin not atomic
   declare foreign_names text;
+  if substring_index(version(), '.', 1) * 100 + substring_index(substring_index(version(), '.', 2), '.', -1) < 1011 then
+    signal sqlstate '45000' set message_text = 'the mirel catalog needs MariaDB 10.11 or later';
+  end if;
   select group_concat(schema_name order by schema_name separator ', ') into foreign_names
   from information_schema.schemata
   where schema_name in ('syscat', 'sysstat', 'syszent', 'sysproc') and schema_comment <> 'mirel catalog';

@@ -17,11 +17,14 @@ begin;
 set local search_path = pg_catalog;
 set local client_min_messages = warning;
 
--- Never touch what somebody else has made under the same names.
+-- Never touch what somebody else has made under the same names, nor a server that lacks what is used below.
 do $$
 declare
   foreign_names text;
 begin
+  if current_setting('server_version_num')::integer < 140000 then
+    raise exception 'the mirel catalog needs PostgreSQL 14 or later';
+  end if;
   select string_agg(name, ', ') into foreign_names
   from (select nspname::text, obj_description(oid, 'pg_namespace') from pg_namespace
         where nspname in ('syscat', 'sysstat', 'syszent', 'sysproc')
