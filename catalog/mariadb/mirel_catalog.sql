@@ -96,17 +96,18 @@ end //
 
 -- The relations of a database by name, as a JSON array of one array each:
 -- name, type, compression, storage, pages, rows, time of the statistics, ratio, clustering, grants.
--- It takes a file opened for each table, so the session keeps the answer for two seconds, and those of mirel_columns
--- and mirel_partitions with it: the queries of one document share them.
+-- It takes a file opened for each table, so the session keeps the answer for two seconds, or for ten times as long as
+-- it took, and those of mirel_columns and mirel_partitions with it: the queries of one document share them.
 create or replace function syscat.mirel_relations(db varchar(64) character set utf8mb3) returns longtext
 sql security definer reads sql data
 begin
   declare listed, packed_columns, columns_of, partitions_of, relations longtext;
+  declare began datetime(6) default sysdate(6);
   if db is null then
     return '[]';
   end if;
   if @mirel_relations_of is null or @mirel_relations_of <> db
-      or @mirel_relations_at < sysdate(6) - interval 2 second then
+      or @mirel_relations_until < began then
     -- group_concat_max_len bounds json_arrayagg, too.
     set statement group_concat_max_len = 4294967295 for
     select coalesce(json_arrayagg(json_array(
@@ -216,7 +217,8 @@ begin
       group by f.name
       having type is not null) as t;
     set @mirel_relations = relations, @mirel_columns = columns_of, @mirel_partitions = partitions_of,
-      @mirel_relations_of = db, @mirel_relations_at = sysdate(6);
+      @mirel_relations_of = db, @mirel_relations_until = sysdate(6)
+        + interval greatest(2000000, 10 * timestampdiff(microsecond, began, sysdate(6))) microsecond;
   end if;
   return @mirel_relations;
 end //
