@@ -18,7 +18,7 @@ function listing([way, pointer, lines]) {
 export function showChanges(section, changes) {
   const {table, listings, pointers} = changes;
   if (table.rows > 0) {
-    const columns = ['Change', 'Where', 'Before', 'After'].map((title) => ({title}));
+    const columns = [{title: 'Change'}, {title: 'Where', widest: 56}, {title: 'Before', widest: 26}, {title: 'After', widest: 26}];
     const href = (row) => hrefOf(pointers[row]);
     section.append(new Table({table, label: 'Changes', columns, href}).element);
   }

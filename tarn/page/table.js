@@ -7,9 +7,17 @@ const kAhead = 10;        // rows beyond what can be seen
 const kPrinted = 500;     // rows on paper
 const kFiltered = 8;      // tables of more rows can be filtered
 const kSampled = 1000;    // rows that tell how wide a column is
-const kWidest = 34;       // characters
+const kWidest = 34;       // the figure 0 so many times
 
-/// Columns of a table have {title, unit}; `href(row)` is where a row is to be found.
+/// About how wide a text is, in the figure 0: most letters are narrower, capitals wider.
+const figures = (text) => 0.88 * text.length + 0.3 * (text.match(/[A-Z]/g)?.length ?? 0);
+
+function wide(element, width) {
+  element.style.width = `${width}ch`;
+  return element;
+}
+
+/// Columns of a table have {title, unit, widest}; `href(row)` is where a row is to be found.
 export class Table {
   constructor({table, label, columns, href}) {
     this.rows = new Rows(table);
@@ -56,21 +64,16 @@ export class Table {
     });
     this.numeric = this.columns.map((_, column) => this.rows.isNumeric(column));
     this.linked = Math.max(0, this.numeric.indexOf(false));  // what names a row is rarely a number
-    const widths = el('colgroup', {}, ...this.columns.map(({title}, column) => this.width(title, column)));
+    const widths = this.columns.map((told, column) => this.width(told, column));
     const grid = el('table', {'aria-rowcount': this.table.rows + 1},
-      el('caption', {class: 'unseen'}, this.label), widths,
+      el('caption', {class: 'unseen'}, this.label), el('colgroup', {}, ...widths.map((width) => wide(el('col'), width))),
       el('thead', {}, el('tr', {'aria-rowindex': '1'}, ...this.headers)), this.above, this.body, this.below);
-    return grid;
+    return wide(grid, widths.reduce((sum, width) => sum + width, 0));
   }
 
-  width(title, column) {
-    let characters = Math.min(title.length + 2, kWidest);
-    for (const text of this.table.cells[column].slice(0, kSampled)) {
-      characters = Math.max(characters, Math.min(text?.length ?? 0, kWidest));
-    }
-    const element = el('col');
-    element.style.width = `${0.88 * characters + 3.5}ch`;  // most letters are narrower than the figure 0
-    return element;
+  width({title, widest = kWidest}, column) {
+    const texts = this.table.cells[column].slice(0, kSampled).map((text) => figures(text?.slice(0, widest) ?? ''));
+    return 3.5 + Math.min(widest, Math.max(1.1 * figures(title) + 2, ...texts));
   }
 
   /// After the rows or their order have changed.
