@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "tarn/document/tarn_document_siphash.h"
 #include "tarn/fleet/tarn_fleet_clickhouse.h"
 #include "tarn/fleet/tarn_fleet_literal.h"
 #include "tarn/fleet/tarn_fleet_rowbinary.h"
@@ -88,7 +89,7 @@ void writeDocument(const FleetDocument& document, std::uint64_t written, RowBina
   row->number(document.asked);
   row->count(document.scopes.size());
   for (const std::string& scope : document.scopes) {
-    row->text(scope);
+    row->number(sipHash(scope));
   }
   row->number(written);
 }

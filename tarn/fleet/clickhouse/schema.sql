@@ -23,8 +23,9 @@ CREATE TABLE IF NOT EXISTS latest (
 ) ENGINE = ReplacingMergeTree(since) ORDER BY (pointer, place, host);
 
 -- Every document that was found, whatever it is; `hash` is SHA-256. Where `problem` is not empty its facts were not taken.
+-- `scopes`: sipHash64 of each part of a document that speaks for itself, such as `/databaseInfo[name=SALES]`.
 CREATE TABLE IF NOT EXISTS document (
   hash FixedString(32), host String, moment Int64, file String, bytes UInt64, seen Int64, state String, problem String,
   line UInt64, column UInt64, hostFrom String, timeFrom String, engine String, version String, database String,
-  answered UInt64, asked UInt64, scopes Array(String), written UInt64
+  answered UInt64, asked UInt64, scopes Array(UInt64), written UInt64
 ) ENGINE = ReplacingMergeTree(written) ORDER BY (host, moment, hash) SETTINGS index_granularity = 1024;

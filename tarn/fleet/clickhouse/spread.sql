@@ -4,14 +4,14 @@ FROM (
   -- The newest row of each host and place.
   SELECT host, place, argMax(value, since) AS newest, argMax(there, since) AS holds
   FROM fact
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
   GROUP BY place, host
   UNION ALL
   SELECT host, place, argMax(value, since) AS newest, toUInt8(1) AS holds
   FROM latest
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
   GROUP BY place, host
 )
-WHERE holds = 1
+WHERE holds = 1 AND place LIKE {like}
 GROUP BY newest
 ORDER BY hosts DESC, newest

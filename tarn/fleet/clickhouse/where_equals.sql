@@ -4,19 +4,24 @@ FROM (
   -- The newest row of each host and place; only of those that showed such a value once.
   SELECT host, place, argMax(value, since) AS newest, argMax(there, since) AS holds
   FROM fact
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
-    AND (place, host) IN (
-      SELECT place, host FROM fact
-      WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like} AND there = 1
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+    AND (pointer, place, host) IN (
+      SELECT pointer, place, host FROM fact
+      WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
         AND value = {value}
     )
-  GROUP BY place, host
+  GROUP BY pointer, place, host
   UNION ALL
   SELECT host, place, argMax(value, since) AS newest, toUInt8(1) AS holds
   FROM latest
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
-  GROUP BY place, host
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+    AND (pointer, place, host) IN (
+      SELECT pointer, place, host FROM latest
+      WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+        AND value = {value}
+    )
+  GROUP BY pointer, place, host
 )
-WHERE holds = 1
+WHERE holds = 1 AND place LIKE {like}
   AND newest = {value}
 ORDER BY host, place

@@ -2,30 +2,22 @@
 -- in which a character that tells the length stands before each run of digits.
 SELECT host, place, newest
 FROM (
-  -- The newest row of each host and place; only of those that showed such a value once.
+  -- The newest row of each host and place.
   SELECT host, place, argMax(value, since) AS newest, argMax(there, since) AS holds
   FROM fact
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
-    AND (place, host) IN (
-      SELECT place, host FROM fact
-      WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like} AND there = 1
-        AND if({number} != '',
-          match(value, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$') AND toFloat64OrZero(value) > toFloat64OrZero({number}),
-          arrayStringConcat(arrayMap(run -> concat(
-            if(match(run, '^[0-9]'), reinterpretAsString(toUInt8(47 + least(length(run), 79))), ''), run),
-            extractAll(value, '[0-9]+|[^0-9]+'))) > {sorted})
-    )
-  GROUP BY place, host
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+  GROUP BY pointer, place, host
   UNION ALL
   SELECT host, place, argMax(value, since) AS newest, toUInt8(1) AS holds
   FROM latest
-  WHERE ({pointer} = '*' OR pointer = {pointer}) AND place LIKE {like}
-  GROUP BY place, host
+  WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+  GROUP BY pointer, place, host
 )
-WHERE holds = 1
+WHERE holds = 1 AND place LIKE {like}
   AND if({number} != '',
-    match(newest, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$') AND toFloat64OrZero(newest) > toFloat64OrZero({number}),
+    match(newest, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$')
+      AND toFloat64OrZero(newest) > toFloat64OrZero({number}),
     arrayStringConcat(arrayMap(run -> concat(
       if(match(run, '^[0-9]'), reinterpretAsString(toUInt8(47 + least(length(run), 79))), ''), run),
-      extractAll(newest, '[0-9]+|[^0-9]+'))) > {sorted})
+      extractAll(if({number} != '', '', newest), '[0-9]+|[^0-9]+'))) > {sorted})
 ORDER BY host, place
