@@ -99,6 +99,7 @@ class SqliteFleet : public FleetDatabase {
   std::string sql(const FleetQuestion& question) const override;
 
  private:
+  bool hasTables();
   void checkForm();
   std::int64_t hostOf(const FleetFact& fact);
   void addDocument(const FleetDocument& document);
@@ -129,11 +130,19 @@ void SqliteFleet::checkForm() {
   }
 }
 
-// Two that make the same file at once wait for each other, and the later one finds it made.
+bool SqliteFleet::hasTables() {
+  return m_connection.number("SELECT count(*) FROM sqlite_schema") != 0;
+}
+
+// What is not ours is left as it is. Two that make the same file at once wait for each other, and the later
+// one finds it made.
 FleetProblem SqliteFleet::create() {
+  if (hasTables()) {
+    checkForm();
+  }
   m_connection.run("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA cache_size = -131072");
   m_connection.run("BEGIN IMMEDIATE");
-  if (m_connection.number("SELECT count(*) FROM sqlite_schema") == 0) {
+  if (!hasTables()) {
     m_connection.run(std::string(packedSql("sqlite/schema")));
     m_connection.run(
         fmt::format("PRAGMA application_id = {}; PRAGMA user_version = {}", kApplication, kForm));

@@ -37,7 +37,8 @@ void SqliteConnection::open(const std::string& file, bool mustExist) {
   }
   // A name that begins with "file:" or ":" is a name like others.
   const std::string path = file.starts_with('/') ? file : "./" + file;
-  if (sqlite3_open_v2(path.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK) {
+  if (sqlite3_open_v2(path.c_str(), &m_handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) !=
+      SQLITE_OK) {
     return fail();
   }
   sqlite3_busy_timeout(m_handle, kWait);
