@@ -10,8 +10,20 @@ namespace {
 
 constexpr std::size_t kRowsKept = 1000;
 constexpr std::size_t kGap = 2;
+/// More of a name or a version would push everything behind it away.
+constexpr std::size_t kCellWidth = 32;
 
 }  // namespace
+
+Shown orDash(const std::optional<std::string>& text) {
+  return text ? shown(*text) : Shown("-");
+}
+
+Shown engineCell(const std::optional<std::string>& engine, const std::optional<std::string>& version) {
+  const bool isTold = !version || (engine && engine->find(*version) != std::string::npos);
+  return isTold ? orDash(engine)
+                : fitted((engine ? shown(*engine) + " " : Shown()) + shown(*version), kCellWidth);
+}
 
 void Columns::row(std::vector<Shown> cells) {
   if (m_rows.size() == kRowsKept) {
@@ -29,6 +41,7 @@ void Columns::line(Shown text) {
 }
 
 void Columns::print() {
+  const bool isCut = m_wide == Wide::isCut && m_console.outputIsTerminal();
   for (const Row& row : m_rows) {
     Shown line;
     for (std::size_t i = 0; i < row.cells.size(); ++i) {
@@ -37,7 +50,7 @@ void Columns::print() {
         line += blanks(m_widths[i] + kGap - columns(row.cells[i].text()));
       }
     }
-    m_console.line(line);
+    m_console.line(isCut ? fitted(line, m_console.width()) : line);
     for (const Shown& below : row.below) {
       m_console.line(below);
     }

@@ -14,6 +14,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t kBlock = 256 << 10;
+constexpr unsigned int kPrivate = 0600;
 
 /// The name that an input's output has in a directory.
 std::string baseName(const std::string& input) {
@@ -25,6 +26,21 @@ std::string lastProblem() {
 }
 
 }  // namespace
+
+bool writeOutput(const std::string& path, std::string_view bytes, Console& console) {
+  if (path == "-") {
+    console.bytes(bytes);
+    return true;
+  }
+  OutputFile file;
+  std::optional<std::string> problem = file.open(path);
+  problem = problem ? problem : file.write(bytes);
+  problem = problem ? problem : file.finish(kPrivate);
+  if (problem) {
+    console.trouble(path, shown(*problem));
+  }
+  return !problem;
+}
 
 std::optional<std::string> Output::openFile(const std::string& path, const std::string& folder) {
   m_name = path;
@@ -59,7 +75,7 @@ void Output::flush() {
 
 std::optional<std::string> Output::finish(Console& console) {
   if (m_file) {
-    return m_file->finish(0600);
+    return m_file->finish(kPrivate);
   }
   rewind(m_spool.get());
   std::string block(kBlock, '\0');

@@ -43,6 +43,10 @@ class Output {
   std::optional<std::string> m_problem;
 };
 
+/// Writes a file that may hold secrets, as documents do: mode 0600. `-` is the console's output. False when
+/// it could not be written; the console was told.
+bool writeOutput(const std::string& path, std::string_view bytes, Console& console);
+
 class Outputs {
  public:
   explicit Outputs(Console& console) : m_console(console) {}

@@ -3,15 +3,13 @@
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
+#include "tarn/commands/tarn_commands_outputs.h"
 #include "tarn/commands/tarn_commands_reading.h"
-#include "tarn/document/tarn_document_output.h"
 #include "tarn/page/tarn_page_write.h"
 
 namespace tarn {
 
 namespace {
-
-constexpr unsigned int kPrivate = 0600;  // a document may hold secrets, and its page with it
 
 struct PageOptions {
   std::string file, newer, out;
@@ -43,21 +41,6 @@ bool read(Console& console, Subject& subject) {
     console.problem(subject.file, ending.place, troubleOf(ending));
   }
   return !subject.tree->empty();
-}
-
-bool write(const std::string& path, const std::string& page, Console& console) {
-  if (path == "-") {
-    console.bytes(page);
-    return true;
-  }
-  OutputFile file;
-  std::optional<std::string> problem = file.open(path);
-  problem = problem ? problem : file.write(page);
-  problem = problem ? problem : file.finish(kPrivate);
-  if (problem) {
-    console.trouble(path, shown(*problem));
-  }
-  return !problem;
 }
 
 bool isInput(const PageOptions& options) {
@@ -95,7 +78,7 @@ Outcome page(const PageOptions& options, Console& console) {
   if (!text) {
     console.trouble("out of memory");
   } else {
-    write(options.out, *text, console);
+    writeOutput(options.out, *text, console);
   }
   return std::max(outcomeOf(older), outcomeOf(subject));
 }

@@ -42,8 +42,7 @@ struct DocumentStatus {
 
 template <Role role>
 void writeRole(const DocumentStatus& status, JsonText& json) {
-  const std::optional<std::string>& text = status.found.roles()[role];
-  text ? json.element(*text) : json.null();
+  json.element(status.found.roles()[role]);
 }
 
 void writePointers(const SilentMembers& members, JsonText& json) {
@@ -110,22 +109,6 @@ PassEnd read(Console& console, Source& source, Path& path, DocumentStatus& statu
   return end;
 }
 
-/// More of a name or a version would push everything behind it away.
-constexpr std::size_t kCellWidth = 32;
-
-Shown orDash(const std::optional<std::string>& text) {
-  return text ? fitted(shown(*text), kCellWidth) : Shown("-");
-}
-
-/// The engine with its version, which the engine's name often tells already.
-Shown engineOf(const Roles& roles) {
-  const std::optional<std::string>& engine = roles[Role::engine];
-  const std::optional<std::string>& version = roles[Role::version];
-  const bool isTold = !version || (engine && engine->find(*version) != std::string::npos);
-  return isTold ? orDash(engine)
-                : fitted((engine ? shown(*engine) + " " : Shown()) + shown(*version), kCellWidth);
-}
-
 Shown placeOf(const DocumentStatus& status) {
   if (!status.isBroken()) {
     return shown(status.file);
@@ -149,8 +132,8 @@ void addRow(const DocumentStatus& status, Columns& columns) {
   const Roles& roles = status.found.roles();
   columns.row({shown(status.state()),
                say("{:3} of {:3} answered", status.found.answered(), status.found.asked()),
-               databaseOf(status), orDash(roles[Role::host]), orDash(roles[Role::time]), engineOf(roles),
-               formOf(status), placeOf(status)});
+               databaseOf(status), orDash(roles[Role::host]), orDash(roles[Role::time]),
+               engineCell(roles[Role::engine], roles[Role::version]), formOf(status), placeOf(status)});
 }
 
 const char* textOf(Silence silence) {

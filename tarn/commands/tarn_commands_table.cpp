@@ -15,6 +15,13 @@ Command planCommand();
 Command tryCommand();
 Command fleetCommand();
 Command fleetLoadCommand();
+Command fleetHostsCommand();
+Command fleetWhereCommand();
+Command fleetSpreadCommand();
+Command fleetHistoryCommand();
+Command fleetDriftCommand();
+Command fleetGetCommand();
+Command fleetPageCommand();
 
 const std::vector<Command>& commands() {
   // clang-format off
@@ -32,6 +39,13 @@ const std::vector<Command>& commands() {
       tryCommand(),
       fleetCommand(),
       fleetLoadCommand(),
+      fleetHostsCommand(),
+      fleetWhereCommand(),
+      fleetSpreadCommand(),
+      fleetHistoryCommand(),
+      fleetDriftCommand(),
+      fleetGetCommand(),
+      fleetPageCommand(),
   };
   // clang-format on
   return all;

@@ -9,15 +9,20 @@ namespace tarn {
 namespace {
 
 using Lines = std::vector<std::string_view>;
+using Text = std::optional<std::string_view>;
 
-bool isListing(const Node* node) {
-  return node != nullptr && node->kind == NodeKind::text && node->text.find('\n') != std::string_view::npos;
+bool isListing(const Text& text) {
+  return text && text->find('\n') != std::string_view::npos;
 }
 
 /// Both are texts, as far as there are both.
 bool areTexts(const Change& change) {
   return (change.before == nullptr || change.before->kind == NodeKind::text) &&
          (change.after == nullptr || change.after->kind == NodeKind::text);
+}
+
+Text textOf(const Node* node) {
+  return node == nullptr ? Text() : Text(node->text);
 }
 
 std::string jsonOf(const Tree& tree, const Node& node) {
@@ -27,14 +32,17 @@ std::string jsonOf(const Tree& tree, const Node& node) {
 }
 
 /// A text as it is, in quotes where its ends would not show.
-Shown shownValue(const Tree& tree, const Node& node, bool asJson = false) {
-  const bool plain = !asJson && node.kind == NodeKind::text && !node.text.empty() &&
-                     node.text.front() != ' ' && node.text.back() != ' ';
-  return shown(plain ? std::string(node.text) : jsonOf(tree, node));
+Shown shownText(std::string_view text) {
+  if (!text.empty() && text.front() != ' ' && text.back() != ' ') {
+    return shown(text);
+  }
+  std::string quoted;
+  appendJsonString(text, quoted);
+  return shown(quoted);
 }
 
-Lines listingOf(const Node* node) {
-  return node == nullptr ? Lines() : linesOf(node->text);
+Shown shownValue(const Tree& tree, const Node& node, bool asJson) {
+  return node.kind == NodeKind::text && !asJson ? shownText(node.text) : shown(jsonOf(tree, node));
 }
 
 Shown shownRange(std::size_t first, std::size_t count) {
@@ -51,11 +59,11 @@ void addHunk(const Hunk& hunk, const Lines& before, const Lines& after, std::vec
 }
 
 /// Of a listing that came or went, all lines; of one that changed, the hunks.
-std::vector<Shown> listingLines(const Change& change, const Shown& head) {
+std::vector<Shown> listingLines(const Text& oldText, const Text& newText, const Shown& head) {
   std::vector<Shown> lines = {head};
-  const Lines before = listingOf(change.before);
-  const Lines after = listingOf(change.after);
-  if (change.before == nullptr || change.after == nullptr) {
+  const Lines before = oldText ? linesOf(*oldText) : Lines();
+  const Lines after = newText ? linesOf(*newText) : Lines();
+  if (!oldText || !newText) {
     addHunk({0, before.size(), 0, after.size()}, before, after, lines);
     return lines;
   }
@@ -86,20 +94,31 @@ Shown shownRoute(const Route& route) {
   return shown(text.empty() ? "/" : text);
 }
 
+std::vector<Shown> printed(const Shown& place, const Text& before, const Text& after) {
+  const Shown sign = shown(!before ? "+ " : !after ? "- " : "");
+  if (isListing(before) || isListing(after)) {
+    return listingLines(before, after, sign + place + ":");
+  }
+  if (before && after) {
+    return {say("{}: {} → {}", place, shownText(*before), shownText(*after))};
+  }
+  return {say("{}{}: {}", sign, place, shownText(before ? *before : *after))};
+}
+
 std::vector<Shown> printed(const Comparison& comparison, const Change& change) {
   const Shown route = shownRoute(comparison.route(change));
-  const Shown sign = shown(change.before == nullptr ? "+ " : change.after == nullptr ? "- " : "");
-  if (areTexts(change) && (isListing(change.before) || isListing(change.after))) {
-    return listingLines(change, sign + route + ":");
+  if (areTexts(change)) {
+    return printed(route, textOf(change.before), textOf(change.after));
   }
   if (change.before != nullptr && change.after != nullptr) {
     const bool otherKind = change.before->kind != change.after->kind;
     return {say("{}: {} → {}", route, shownValue(comparison.before(), *change.before, otherKind),
                 shownValue(comparison.after(), *change.after, otherKind))};
   }
-  const Shown value = change.before == nullptr ? shownValue(comparison.after(), *change.after)
-                                               : shownValue(comparison.before(), *change.before);
-  return {sign + route + ": " + value};
+  const bool isNew = change.before == nullptr;
+  return {say("{}{}: {}", shown(isNew ? "+ " : "- "), route,
+              isNew ? shownValue(comparison.after(), *change.after, false)
+                    : shownValue(comparison.before(), *change.before, false))};
 }
 
 std::string_view wordOf(const Change& change) {

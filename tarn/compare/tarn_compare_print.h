@@ -1,6 +1,7 @@
 #pragma once
 /// Changes as lines for people, and their parts as JSON for programs.
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -16,6 +17,9 @@ Shown shownRoute(const Route& route);
 /// `PATH: OLD → NEW`, `+ PATH: NEW` or `- PATH: OLD`. A listing takes several lines: the route, and its hunks
 /// with their places as in a unified diff without context.
 std::vector<Shown> printed(const Comparison& comparison, const Change& change);
+/// The same for a text that changed, came (there is no `before`) or went (no `after`).
+std::vector<Shown> printed(const Shown& place, const std::optional<std::string_view>& before,
+                           const std::optional<std::string_view>& after);
 
 /// "added", "removed" or "changed".
 std::string_view wordOf(const Change& change);

@@ -46,6 +46,11 @@ class JsonText {
   JsonText& element(std::uint64_t number);
   JsonText& element(double number);
   JsonText& element(bool flag);
+  /// Null when there is none.
+  template <class Value>
+  JsonText& element(const std::optional<Value>& value) {
+    return value ? element(*value) : null();
+  }
   JsonText& null();
   /// JSON that is strict already.
   JsonText& raw(std::string_view json);
@@ -54,13 +59,6 @@ class JsonText {
   JsonText& member(std::string_view name, const Value& value) {
     return key(name).element(value);
   }
-  /// Null when there is none.
-  template <class Value>
-  JsonText& member(std::string_view name, const std::optional<Value>& value) {
-    key(name);
-    return value ? element(*value) : null();
-  }
-
   const std::string& text() const { return m_text; }
 
  private:

@@ -22,18 +22,23 @@ std::optional<std::string> packed(const std::string& text) {
 
 }  // namespace
 
-std::optional<std::string> pageOf(const PageSubject& subject) {
-  const std::optional<std::string> data = packed(pageModel(subject.tree, subject.facts, subject.changes));
+std::optional<std::string> pageOf(const PageText& text) {
+  const std::optional<std::string> data = packed(text.model);
   if (!data) {
     return std::nullopt;
   }
-  const std::string fills[] = {pageTitle(subject), pageSummary(subject), base64(*data), ""};
+  const std::string fills[] = {text.title, text.summary, base64(*data), ""};
   std::string page;
   for (std::size_t slot = 0; slot < std::size(fills); ++slot) {
     page += kPageParts[slot];
     page += fills[slot];
   }
   return page.append(kPageParts[std::size(fills)]);
+}
+
+std::optional<std::string> pageOf(const PageSubject& subject) {
+  return pageOf(
+      {pageTitle(subject), pageSummary(subject), pageModel(subject.tree, subject.facts, subject.changes)});
 }
 
 }  // namespace tarn

@@ -1,5 +1,5 @@
 #pragma once
-/// The page of a document: one file, with nothing outside of it.
+/// A page: one file, with nothing outside of it.
 
 #include <optional>
 #include <string>
@@ -8,7 +8,14 @@
 
 namespace tarn {
 
+/// What fills a page: title and summary as HTML, and the data for its script (tarn_page_model.h).
+struct PageText {
+  std::string title, summary, model;
+};
 /// Nothing for want of memory.
+std::optional<std::string> pageOf(const PageText& text);
+
+/// The page of a document.
 std::optional<std::string> pageOf(const PageSubject& subject);
 
 }  // namespace tarn
