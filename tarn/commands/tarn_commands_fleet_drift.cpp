@@ -62,7 +62,11 @@ Command fleetDriftCommand() {
           "host's first document shows is no change, and what changes by itself is left out. The status is "
           "1 when anything changed.\n\n"
           "DATE is a day, 2026-11-21, or a time, 2026-11-21T10:20:30Z.",
-      .examples = {},
+      .examples = {{"tarn fleet drift --since 2026-11-20 --from fleet.db",
+                    "1 host  1 change  /databaseInfo/*/bufferpools/*/NPAGES\n"
+                    "1 host  1 change  /databaseInfo/*/configRaw\n"
+                    "1 host  1 change  /instanceInfo/codeRelease\n"
+                    "1 host  1 change  /instanceInfo/version"}},
       .lists = {membersList(kMembers)},
       .bind = bindTo<DriftOptions>(declare, drift)};
 }

@@ -134,7 +134,17 @@ Command fleetHistoryCommand() {
           "show "
           "them (UTC). What changes by itself is left out. Of the host's first document only the number of "
           "facts is told, unless POINTER is given.",
-      .examples = {},
+      .examples = {{"tarn fleet history db1 --from fleet.db",
+                    "2026-11-19T01:30:22Z\n"
+                    "  the first document, 18 facts\n"
+                    "2026-11-20T01:30:25Z\n"
+                    "  /databaseInfo[name=SALES]/bufferpools[BPNAME=main]/NPAGES: 16384 → 32768\n"
+                    "  /databaseInfo[name=SALES]/configRaw:\n"
+                    "    @@ -2 +2 @@\n"
+                    "    -shared_buffers = 128MB\n"
+                    "    +shared_buffers = 256MB\n"
+                    "  /instanceInfo/codeRelease: PostgreSQL 15.0.17 → PostgreSQL 15.0.18\n"
+                    "  /instanceInfo/version: 15.0.17 → 15.0.18"}},
       .lists = {membersList(kMembers)},
       .bind = bindTo<HistoryOptions>(declare, history)};
 }

@@ -132,7 +132,14 @@ Command fleetHostsCommand() {
           "future, or one that names another host than the one that sent it, stands for a host only where "
           "there is no other.\n\n"
           "With --silent-for or --problems the status is 1 when there is anything to list.",
-      .examples = {},
+      .examples =
+          {{"tarn fleet hosts --from fleet.db",
+            "db1  2026-11-20T01:30:25Z  whole      PostgreSQL 15.0.18  SALES  17 of 18 answered  2 "
+            "documents\n"
+            "db2  2026-11-19T02:04:51Z  whole      PostgreSQL 15.0.18  SALES  17 of 18 answered  1 document\n"
+            "db3  2026-11-20T01:55:40Z  not whole  PostgreSQL 15.0.18  SALES  14 of 15 answered  1 document"},
+           {"tarn fleet hosts --from fleet.db --problems --json | jq -r '.problem + \", \" + .host'",
+            "not whole, db3"}},
       .lists = {membersList(kHostMembers), std::move(problems)},
       .bind = bindTo<HostsOptions>(declare, hosts)};
 }

@@ -134,7 +134,14 @@ constexpr const char* kText =
 Command fleetCommand() {
   return {.name = "fleet",
           .sentence = "Keep the facts of many hosts' documents, and answer questions about them",
-          .text = "DB is a file of SQLite's. TARN_FLEET in the environment names it where no option does.",
+          .text =
+              "DB is a file, which SQLite keeps, or clickhouse://HOST[:PORT]/DATABASE. TARN_FLEET in the "
+              "environment names it where no option does.\n\nA fact is a value at a place of a host's "
+              "documents. It is kept from the document on that shows it first, until another one shows "
+              "something else there; what changes by itself (see facts.md) is kept as the newest document "
+              "shows it. Rows of tables go by their names, as in tarn diff: "
+              "/databaseInfo[name=SALES]/bufferpools[BPNAME=main]/NPAGES.\n\nThe questions send one "
+              "statement each; --sql prints it for those who have tools of their own. Times are in UTC.",
           .examples = {},
           .bind = {}};
 }
@@ -144,8 +151,8 @@ Command fleetLoadCommand() {
           .sentence = "Load the new documents of a store",
           .text = kText,
           .examples =
-              {{"tarn fleet load --into fleet.db sample.json postgresql.json cut.json",
-                "3 new documents, 1 of them with a problem; 0 known from other files, 0 files seen before"}},
+              {{"tarn fleet load --into fleet.db store",
+                "4 new documents, 1 of them with a problem; 0 known from other files, 0 files seen before"}},
           .bind = bindTo<LoadOptions>(declare, load)};
 }
 

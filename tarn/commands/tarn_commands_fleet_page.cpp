@@ -26,11 +26,16 @@ FleetPage::Host hostOnPage(const FleetHost& host, Moment before) {
           .problem = host.problem.value_or(""),
           .engine = host.engine || host.version ? engine.text() : "",
           .database = host.database.value_or(""),
-          .file = host.file,
           .answered = host.answered,
           .asked = host.asked,
           .documents = host.documents,
           .isSilent = host.moment < before};
+}
+
+/// `2026-11-21 03:44 UTC`
+std::string dayAndTime(Moment moment) {
+  const std::string text = timeText(moment).value_or("");
+  return text.substr(0, text.find('T')) + " " + text.substr(text.find('T') + 1, 5) + " UTC";
 }
 
 /// False when a question was not answered; the console was told.
@@ -53,8 +58,8 @@ bool ask(FleetAsk& fleet, Moment before, FleetPage& page) {
 Outcome fleetPage(const FleetPageOptions& options, Console& console) {
   const Moment before = momentBefore(kWeek);
   FleetPage page;
-  page.made = timeText(momentBefore(0)).value_or("");
-  page.since = timeText(before).value_or("");
+  page.made = dayAndTime(momentBefore(0));
+  page.since = dayAndTime(before);
   page.silentAfter = kWeek;
   FleetAsk fleet(options.fleet, console);
   if (!ask(fleet, before, page)) {
@@ -89,7 +94,7 @@ Command fleetPageCommand() {
   return {.name = "fleet page",
           .sentence = "Write a fleet as one page for a browser",
           .text = kText,
-          .examples = {},
+          .examples = {{"tarn fleet page --from fleet.db -o fleet.html && ls fleet.html", "fleet.html"}},
           .bind = bindTo<FleetPageOptions>(declare, fleetPage)};
 }
 

@@ -55,7 +55,8 @@ Command fleetSpreadCommand() {
   return {.name = "fleet spread",
           .sentence = "Tell which values a fleet shows at a place, and on how many hosts",
           .text = "One line for each value that holds now, the one on most hosts first.",
-          .examples = {},
+          .examples = {{"tarn fleet spread /platformInfo/osRelease --from fleet.db",
+                        "1 host    6.1.0-25-amd64\n1 host    6.1.0-26-amd64"}},
           .lists = {membersList(kMembers)},
           .bind = bindTo<SpreadOptions>(declare, spread)};
 }

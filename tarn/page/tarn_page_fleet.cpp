@@ -30,7 +30,6 @@ constexpr const char* kFacts = R"(
 /drift
   title: Drift
   meaning: The places where facts changed lately, and on how many hosts. A host's first document is no change.
-  chart: bars Place Hosts
 /silent
   title: Silent hosts
   meaning: Hosts whose newest document is old.
@@ -79,7 +78,7 @@ void addHosts(const char* name, const FleetPage& fleet, bool isSilent, JsonText&
     json.object().member("Host", host.name).member("Last seen", host.time).member("State", stateOf(host));
     json.member("Engine", host.engine).member("Database", host.database);
     json.member("Answered", host.answered).member("Asked", host.asked);
-    json.member("Documents", host.documents).member("Newest document", host.file).end();
+    json.member("Documents", host.documents).end();
   }
   json.end();
 }

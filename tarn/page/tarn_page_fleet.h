@@ -15,7 +15,7 @@ struct FleetPage {
   double silentAfter = 0;  ///< days without a document that make a host silent
 
   struct Host {
-    std::string name, time, state, problem, engine, database, file;  ///< may be empty
+    std::string name, time, state, problem, engine, database;  ///< may be empty
     std::uint64_t answered = 0, asked = 0, documents = 0;
     bool isSilent = false;
   };
