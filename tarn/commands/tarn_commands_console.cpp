@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "tarn/document/tarn_document_nameless.h"
+
 namespace tarn {
 
 namespace {
@@ -15,18 +17,6 @@ namespace {
 constexpr std::size_t kKeptAtMost = 64 << 10;
 constexpr std::int64_t kProgressPause = 100;  // milliseconds
 constexpr std::size_t kUsualWidth = 80;
-
-/// Whether all went out.
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) {
-      return false;
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written < 0 ? 0 : written));
-  }
-  return true;
-}
 
 std::int64_t milliseconds() {
   timespec now = {};

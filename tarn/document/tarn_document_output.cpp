@@ -9,6 +9,8 @@
 #include <cstring>
 #include <filesystem>
 
+#include "tarn/document/tarn_document_nameless.h"
+
 namespace tarn {
 
 namespace {
@@ -64,14 +66,7 @@ std::optional<std::string> OutputFile::open(const std::string& path, const std::
 }
 
 std::optional<std::string> OutputFile::write(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(m_descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno != EINTR) {
-      return lastProblem();
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written < 0 ? 0 : written));
-  }
-  return std::nullopt;
+  return writeAll(m_descriptor, bytes) ? std::nullopt : std::optional(lastProblem());
 }
 
 std::optional<std::string> OutputFile::finish(unsigned int mode) {
