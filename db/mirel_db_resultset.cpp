@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "common/mirel_common_eight.h"
 #include "json/mirel_json_value.h"
 
 namespace {
@@ -10,9 +11,14 @@ constexpr unsigned long kBufferSize = 128;
 
 /// The length of a buffer's text up to its first blank.
 unsigned long firstWord(const char* buffer) {
-  const unsigned long length = strnlen(buffer, kBufferSize);
-  const void* blank = memchr(buffer, ' ', length);
-  return blank == nullptr ? length : static_cast<unsigned long>(static_cast<const char*>(blank) - buffer);
+  for (unsigned long at = 0; at < kBufferSize; at += sizeof(eight::Eight)) {
+    const eight::Eight characters = eight::load(buffer + at);
+    const eight::Eight ends = eight::marks(characters, ' ') | eight::marks(characters, '\0');
+    if (ends != 0) {
+      return at + static_cast<unsigned long>(eight::before(ends));
+    }
+  }
+  return kBufferSize;
 }
 
 }  // namespace
@@ -31,6 +37,7 @@ void ResultSet::getCols() {
     SQLDescribeCol(m_stmt, static_cast<unsigned short>(column), name, kBufferSize, &nameLength, &dataType,
                    &columnSize, &decimalDigits, &nullable);
     m_names.emplace_back(name, kBufferSize);
+    m_row.addKey(m_names.back());
     m_sizes.push_back(static_cast<unsigned int>(columnSize));
   }
 }
@@ -59,5 +66,5 @@ void ResultSet::readColumn(unsigned short column) {
   if (static_cast<int>(indicator) == SQL_NULL_DATA) {
     memcpy(buffer, "NULL", sizeof "NULL");
   }
-  m_row.add(m_names[column - 1u], buffer, firstWord(buffer));
+  m_row.add(column - 1u, buffer, firstWord(buffer));
 }

@@ -65,15 +65,21 @@ std::vector<std::unique_ptr<KeyValuePair>> FoldedMembers::unfold() const {
   return members;
 }
 
+void MemberLines::addKey(const mirel_string& key) {
+  mirel_string_builder beginning;
+  beginning.append('"');
+  appendEscaped(beginning, key);
+  beginning.append(kAfterKey.data(), kAfterKey.size());
+  m_beginnings.push_back(beginning.take());
+}
+
 void MemberLines::clear() {
   m_lines.removeLast(m_lines.length());
   m_count = 0;
 }
 
-void MemberLines::add(const mirel_string& key, const char* text, unsigned long length) {
-  m_lines.append('"');
-  appendEscaped(m_lines, key);
-  m_lines.append(kAfterKey.data(), kAfterKey.size());
+void MemberLines::add(unsigned long key, const char* text, unsigned long length) {
+  m_lines.append(m_beginnings[key]);
   appendEscaped(m_lines, text, length);
   m_lines.append(kAfterText.data(), kAfterText.size());
   ++m_count;

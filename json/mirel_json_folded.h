@@ -31,15 +31,19 @@ class FoldedMembers {
   unsigned long m_count;  ///< of lines
 };
 
-/// Gathers the members of a row; `clear` begins the next one.
+/// Gathers the members of rows that share their keys, one row at a time.
 class MemberLines {
  public:
+  /// The next key; they are told once, and counted from 0.
+  void addKey(const mirel_string& key);
+  /// Begins a row.
   void clear();
-  void add(const mirel_string& key, const char* text, unsigned long length);
+  void add(unsigned long key, const char* text, unsigned long length);
   /// What was gathered since `clear`.
   FoldedMembers folded() const;
 
  private:
+  std::vector<mirel_string> m_beginnings;  ///< of lines, up to where their texts begin: the keys as written
   mirel_string_builder m_lines;
   unsigned long m_count = 0;
 };
