@@ -166,6 +166,7 @@ void giveLarge(void* header) {
 void prepareHeap() {
   mallopt(M_MMAP_THRESHOLD, kLargeBlock);
   mallopt(M_TRIM_THRESHOLD, 2 * kLargeBlock);
+  mallopt(M_MXFAST, 0);
 }
 
 void* takeBlock(unsigned long size, bool zeroed) {

@@ -95,13 +95,17 @@ SQLRETURN RowBlock::fetch() {
 
 /// Drivers may leave a text as it is, or without its end: so every byte that one wrote becomes a NUL again.
 void RowBlock::empty(Cell& cell) {
-  const long length = lengthOf(cell.length);
-  std::memset(cell.text, 0, endsAt(cell, length) ? static_cast<std::size_t>(length) : sizeof cell.text);
+  if (isShort(cell)) {
+    std::memset(cell.text, 0, kShort);
+  } else {
+    std::memset(cell.text, 0, sizeof cell.text);
+  }
   cell.length = kUnwritten;
 }
 
-bool RowBlock::endsAt(const Cell& cell, long length) {
-  return length >= 0 && length < static_cast<long>(sizeof cell.text) && cell.text[length] == '\0';
+bool RowBlock::isShort(const Cell& cell) {
+  const long length = lengthOf(cell.length);
+  return length >= 0 && length < kShort && cell.text[length] == '\0';
 }
 
 void RowBlock::refill() {
@@ -130,13 +134,12 @@ bool RowBlock::serve(const ValueRequest& request) {
     return false;
   }
   const Cell& from = cell(request.column);
-  const long length = lengthOf(from.length);
-  if (length < kShort && endsAt(from, length)) {
+  if (isShort(from)) {
     std::memcpy(request.target, from.text, kShort);
   } else {
     std::memcpy(request.target, from.text, sizeof from.text);
   }
-  *request.length = length;
+  *request.length = lengthOf(from.length);
   return true;
 }
 

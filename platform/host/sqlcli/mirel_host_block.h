@@ -58,7 +58,7 @@ class RowBlock {
   void refill();
   bool isThere();
   static void empty(Cell& cell);
-  static bool endsAt(const Cell& cell, long length);
+  static bool isShort(const Cell& cell);
   bool has(const ValueRequest& request) const;
   const Cell& cell(unsigned short column) const { return m_cells[m_row * m_columns + column - 1]; }
 
