@@ -21,11 +21,13 @@ class CustomerCollector {
  private:
   struct Items;
 
-  mirel_string m_name = "null";
-  mirel_string m_company = "null";
-  mirel_string m_address = "null";
-  mirel_string m_telephone = "null";
-  mirel_string m_email = "null";
-  mirel_string m_country = "null";
-  mirel_string m_ip = "null";
+  static mirel_string unknown() { return mirel_string::within("null", 4); }
+
+  mirel_string m_name = unknown();
+  mirel_string m_company = unknown();
+  mirel_string m_address = unknown();
+  mirel_string m_telephone = unknown();
+  mirel_string m_email = unknown();
+  mirel_string m_country = unknown();
+  mirel_string m_ip = unknown();
 };

@@ -40,7 +40,7 @@ class InstanceCollector {
 
   const katoDbDirInfoV9* m_entry = nullptr;
   sqlf_dbcfd m_configuration = {};
-  mirel_string m_databaseName = "";
+  mirel_string m_databaseName = mirel_string::within("", 0);
   unsigned short m_databases = 0;
   sqleLevelInfo m_level = {};
 };

@@ -4,19 +4,25 @@
 
 /// What the command line asks for. A later occurrence of an option replaces the earlier one.
 struct RunSettings {
-  mirel_string host = "";
-  mirel_string database = "";
-  mirel_string outfile = "";
-  mirel_string email = "";
-  mirel_string name = "";
-  mirel_string company = "";
-  mirel_string country = "";
-  mirel_string telephone = "";
-  mirel_string address = "";
-  mirel_string icn = "";
+  /// What was not asked for needs no memory.
+  static mirel_string none() { return mirel_string::within("", 0); }
+
+  mirel_string host = none();
+  mirel_string database = none();
+  mirel_string outfile = none();
+  mirel_string email = none();
+  mirel_string name = none();
+  mirel_string company = none();
+  mirel_string country = none();
+  mirel_string telephone = none();
+  mirel_string address = none();
+  mirel_string icn = none();
   unsigned long port = 8081;
   bool send = false;
   bool support = false;  ///< without it nothing is collected
+
+  /// Whether memory ran out for one that tells the run where to go.
+  bool lost() const { return host.lost() || database.lost() || outfile.lost(); }
 };
 
 /// Reads the command line into `*settings`. Unknown options are told on standard output and skipped.

@@ -14,8 +14,9 @@
 
 namespace {
 
-void setCustomer(CustomerCollector* customer, const RunSettings& from) {
-  customer->setCustomerInfo(from.name, from.company, from.email, from.country, from.address, from.telephone);
+void setCustomer(CustomerCollector* customer, RunSettings* from) {
+  customer->setCustomerInfo(std::move(from->name), std::move(from->company), std::move(from->email),
+                            std::move(from->country), std::move(from->address), std::move(from->telephone));
 }
 
 /// The socket layer, which `readConfig` sets up and `writeResult` ends. This ends it where no result is
@@ -29,28 +30,35 @@ struct SocketsInUse {
   }
 };
 
-/// From the template to the delivered result. Nothing is delivered where memory ran out for anything but the
-/// members that the walk tells.
-void collect(const RunSettings& settings, const MemoryWatch& memory, CustomerCollector* customer,
+/// From the template to the delivered result. What the settings tell of the customer and the database changes
+/// hands: it is not lost on the way. Nothing is delivered where memory ran out for anything but the members
+/// that the walk tells.
+void collect(RunSettings* settings, const MemoryWatch& memory, CustomerCollector* customer,
              JsonParser* parser, Generator* generator) {
   setCustomer(customer, settings);
   std::unique_ptr<Value> root;  // goes after the socket layer has ended
-  SocketsInUse sockets{settings.send};
-  mirel_string config = readConfig(settings.send, settings.host, settings.port);
+  SocketsInUse sockets{settings->send};
+  mirel_string config = readConfig(settings->send, settings->host, settings->port);
   if (memory.ranOut()) {
     return;
   }
   root.reset(parser->parse(std::move(config)));
-  generator->set(settings.database, customer);
   if (memory.ranOut()) {
     return;
   }
+  generator->set(std::move(settings->database), customer);
   root->accept(*generator);
   hideWork();
   const mirel_string result = root->stringify(0);
   if (!memory.ranOut()) {
     sockets.inUse = false;
-    writeResult(result, settings.send, settings.host, settings.port, true, settings.outfile);
+    writeResult(result, settings->send, settings->host, settings->port, true, settings->outfile);
+  }
+}
+
+void tellIfLost(const MemoryWatch& memory) {
+  if (memory.ranOut()) {
+    memory.tell();
   }
 }
 
@@ -65,13 +73,12 @@ int run(int argc, char** argv) {
   RunSettings settings;
   MemoryWatch::during([&] {
     const bool anyOption = parseOptions(argc, argv, &settings);
-    if (anyOption && settings.support && !memory.ranOut()) {
-      collect(settings, memory, &customer, &parser, &generator);
+    if (anyOption && settings.support && !settings.lost()) {
+      tellIfLost(memory);
+      collect(&settings, memory, &customer, &parser, &generator);
     }
   });
-  if (memory.ranOut()) {
-    memory.tell();
-  }
+  tellIfLost(memory);
   complainOfLostOutput();
   ossTerminate();
   return 0;

@@ -15,11 +15,11 @@ mirel_string withoutBrackets(const mirel_string& word) {
 
 }  // namespace
 
-void Generator::set(const mirel_string& database, CustomerCollector* customer) {
+void Generator::set(mirel_string database, CustomerCollector* customer) {
   if (database.length() > 1) {
     showWork("connecting");
     if (sqlSucceeded(m_connection.connect(database))) {
-      m_databaseName = database;
+      m_databaseName = std::move(database);
     }
   }
   m_customer = customer;

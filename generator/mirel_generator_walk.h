@@ -27,7 +27,7 @@ class Generator final : public JsonVisitor {
  public:
   /// Connects to the database when its name has more than one character, then lets all collectors take
   /// their facts. The customer collector is not owned.
-  void set(const mirel_string& database, CustomerCollector* customer);
+  void set(mirel_string database, CustomerCollector* customer);
 
   void visit(Value* value) override;
   void visit(PrimitiveValue* value) override;
@@ -67,7 +67,7 @@ class Generator final : public JsonVisitor {
   void expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey);
   Value* runForDatabase(const KeyValuePair* pair);
 
-  mirel_string m_databaseName = "";  ///< empty unless connected
+  mirel_string m_databaseName = mirel_string::within("", 0);  ///< empty unless connected
   InstanceCollector m_instance;
   PlatformCollector m_platform;
   CustomerCollector* m_customer = nullptr;

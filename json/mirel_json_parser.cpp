@@ -37,7 +37,7 @@ class Text {
 
 }  // namespace
 
-JsonParser::JsonParser() : m_input("") {}
+JsonParser::JsonParser() : m_input(mirel_string::within("", 0)) {}
 JsonParser::~JsonParser() = default;
 
 Value* JsonParser::parse(mirel_string text) {
@@ -59,9 +59,12 @@ Value* JsonParser::parse(mirel_string text) {
   return root;
 }
 
-/// The tree is the larger part of what a document takes; its text need not stay beside it.
+/// The tree is the larger part of what a document takes; its text need not stay beside it. Blanks are all
+/// that follows most documents; where more does, the block stays: a tree that is whole needs no memory again.
 void JsonParser::dropConsumed() {
-  m_input = mirel_string(m_input.c_str() + m_position, m_input.length() - m_position);
+  skipWhitespace();
+  m_string = {};  // it stood in what goes
+  m_input = atEnd() ? mirel_string::within("", 0) : std::move(m_input).substr(m_position, mirel_string::npos);
   m_seen -= m_position;
   m_lineBegin -= m_position;
   m_position = 0;
