@@ -11,8 +11,8 @@ class Socket {
  public:
   bool open(const mirel_string& host, unsigned long port);
 
-  /// Sends both texts as one in chunks of at most 1,024 bytes. A chunk that cannot be
-  /// sent is shown on standard output and ends the sending.
+  /// Sends both texts as one in chunks of at most 1,024 bytes. A chunk that cannot be sent is shown on
+  /// standard output and ends the sending.
   bool send(const mirel_string& head, const mirel_string& body = "");
 
   /// One HTTP response, as it came: everything until it is complete, the peer closes, or the connection
