@@ -22,6 +22,12 @@ std::string useOf(const CLI::Option& positional) {
   return (positional.get_required() ? "." : ".Op ") + word;
 }
 
+/// KIND, without the words that it may be: a list tells them.
+std::string typeOf(const CLI::Option& option) {
+  const std::string type = option.get_type_name();
+  return type.substr(0, type.find(':'));
+}
+
 /// `Fl o , Fl -output Ar FILE`
 std::string namesOf(const CLI::Option& option) {
   std::string names;
@@ -29,7 +35,7 @@ std::string namesOf(const CLI::Option& option) {
     names += fmt::format("{}Fl {}", names.empty() ? "" : " , ", roffWord(name.substr(1)));
   }
   const bool several = option.get_expected_max() > 1 && option.get_allow_extra_args();
-  return takesValue(option) ? names + " " + argument(option.get_type_name(), several) : names;
+  return takesValue(option) ? names + " " + argument(typeOf(option), several) : names;
 }
 
 void appendUse(const CLI::App& parser, const std::string& name, std::string& out) {
