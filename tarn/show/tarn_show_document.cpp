@@ -118,14 +118,16 @@ void DocumentView::singles(const Node& container, const std::string& pointer, st
     titles = std::max(titles, columns(single.title.text()));
     values = single.part < 0 ? values : std::max(values, columns(single.value.text()));
   }
+  std::vector<Shown> lines;
   for (const Single& single : singles) {
     Shown line = single.title + blanks(titles + kIndent - columns(single.title.text())) + single.value;
     if (single.part >= 0) {
       line += blanks(values + kIndent - columns(single.value.text()));
       line += say("{}  {}", barOf(single.part, kBarWidth), percentOf(single.part));
     }
-    m_lines.line(indent, line);
+    lines.push_back(line);
   }
+  m_lines.list(indent, lines);
   m_lines.rest(indent, count - singles.size(), "members");
 }
 

@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kWordsAtMost = 100;  // wider lines are hard to read
+constexpr std::size_t kWide = 120;         // from here on short lines stand beside each other
+constexpr std::size_t kGutter = 4;         // between them
+constexpr std::size_t kShortest = 4;       // lines that a column has
 constexpr std::size_t kWidthAtLeast = 20;  // behind an indent, however deep
 
 Shown styled(bool on, const Shown& begin, const Shown& text) {
@@ -34,6 +37,25 @@ void Lines::line(std::size_t indent, const Shown& text) {
   m_print(text.text().empty() ? Shown() : blanks(indent) + fits);
   ++m_count;
   m_isGap = false;
+}
+
+void Lines::list(std::size_t indent, const std::vector<Shown>& lines) {
+  std::size_t widest = 0;
+  for (const Shown& line : lines) {
+    widest = std::max(widest, columns(line.text()));
+  }
+  const std::size_t width = widthBehind(indent);
+  const std::size_t fitting = m_look.all || m_look.width < kWide ? 1 : (width + kGutter) / (widest + kGutter);
+  const std::size_t beside =
+      std::clamp<std::size_t>(lines.size() / kShortest, 1, std::max<std::size_t>(1, fitting));
+  const std::size_t height = (lines.size() + beside - 1) / beside;
+  for (std::size_t row = 0; row < height; ++row) {
+    Shown all = lines[row];
+    for (std::size_t at = row + height, before = row; at < lines.size(); before = at, at += height) {
+      all += blanks(widest + kGutter - columns(lines[before].text())) + lines[at];
+    }
+    line(indent, all);
+  }
 }
 
 void Lines::words(std::size_t indent, const Shown& text) {

@@ -2,6 +2,7 @@
 /// Where what is shown goes: lines of the terminal's width, with bold and dim words on a terminal.
 
 #include <functional>
+#include <vector>
 
 #include "tarn/document/tarn_document_shown.h"
 
@@ -27,6 +28,9 @@ class Lines {
   std::size_t widthBehind(std::size_t indent) const;
 
   void line(std::size_t indent, const Shown& text);
+  /// Short lines, in order: below each other, or on a wide terminal in columns beside each other, each read
+  /// downwards.
+  void list(std::size_t indent, const std::vector<Shown>& lines);
   /// Words, on as many lines as they need.
   void words(std::size_t indent, const Shown& text);
   /// An empty line; several of them are one.

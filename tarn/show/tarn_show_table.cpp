@@ -11,7 +11,7 @@ namespace tarn {
 namespace {
 
 constexpr std::size_t kRowsAtMost = 20;
-constexpr std::size_t kCellAtMost = 40;
+constexpr std::size_t kCellAtMost = 40;  // at 80 columns, more on wider terminals
 constexpr std::size_t kColumnsAtMost = 100;
 constexpr std::size_t kGap = 2;
 
@@ -78,7 +78,8 @@ class Table {
       Column& known = m_columns[column];
       known.isNumber = known.isNumber && numberOf(member.text);
       const Shown value = valueOf(member.text, known.unit);
-      cells[column] = m_lines.look().all ? value : fitted(value, kCellAtMost);
+      cells[column] =
+          m_lines.look().all ? value : fitted(value, std::max(kCellAtMost, m_lines.look().width / 2));
     }
     const auto same = [](const Shown& one, const Shown& other) { return one.text() == other.text(); };
     if (!m_rows.empty() && std::equal(cells.begin(), cells.end(), m_rows.back().cells.begin(),
