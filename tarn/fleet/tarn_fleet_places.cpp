@@ -136,11 +136,12 @@ KnownPlace& FleetPlaces::find(const KnownPlace& above, std::string_view token, W
 }
 
 KnownPlace& FleetPlaces::add(const KnownPlace& above, std::string_view token, Way way) {
-  KnownPlace& added = m_places.emplace_back(KnownPlace{
-      .place = {textBelow(above.place, token), pointerBelow(above.place, token), above.place.scope},
-      .step = above.step.below(way == Way::member ? nameOf(token) : "*"),
-      .above = &above,
-      .token = std::string(token)});
+  m_places.push_back(
+      {.place = {textBelow(above.place, token), pointerBelow(above.place, token), above.place.scope},
+       .step = above.step.below(way == Way::member ? nameOf(token) : "*"),
+       .above = &above,
+       .token = std::string(token)});
+  KnownPlace& added = m_places.back();
   if (way == Way::scope && added.place.scope.empty()) {
     added.place.scope = added.place.text;
   }

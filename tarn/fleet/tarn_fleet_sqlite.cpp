@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <sqlite3.h>
 
+#include <cstring>
+
 #include "tarn/document/tarn_document_siphash.h"
 #include "tarn/fleet/tarn_fleet_sql.h"
 #include "tarn/fleet/tarn_fleet_sqlite_ids.h"
@@ -49,7 +51,10 @@ std::string packed(const std::vector<std::string>& scopes) {
 
 std::vector<std::uint64_t> unpacked(std::string_view bytes) {
   std::vector<std::uint64_t> scopes(bytes.size() / sizeof(std::uint64_t));
-  memcpy(scopes.data(), bytes.data(), scopes.size() * sizeof(std::uint64_t));
+  for (std::uint64_t& scope : scopes) {
+    memcpy(&scope, bytes.data(), sizeof scope);
+    bytes.remove_prefix(sizeof scope);
+  }
   return scopes;
 }
 

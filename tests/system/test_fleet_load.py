@@ -9,7 +9,8 @@ from pathlib import Path
 import pytest
 from conftest import BUILD
 
-TARN = Path(os.environ.get("MIREL_RELEASE_DIR", BUILD)) / "tarn"  # sanitizers do not bear to be traced
+TARN = BUILD / "tarn"
+TRACED = Path(os.environ.get("MIREL_RELEASE_DIR", BUILD)) / "tarn"  # sanitizers do not bear to be traced
 HOSTS, DAYS = 40, 60
 ROWS = """SELECT host.name, place.text, since, value.text FROM fact JOIN host ON host.id = host JOIN place ON place.id = place
           LEFT JOIN value ON value.id = value WHERE NOT void ORDER BY 1, 2, 3"""
@@ -39,7 +40,7 @@ def fixture_store(tmp_path_factory):
 
 
 def load(database, *stores, tracing=()):
-    call = [*tracing, TARN, "fleet", "load", "--into", database, *stores]
+    call = [*tracing, TRACED if tracing else TARN, "fleet", "load", "--into", database, *stores]
     return subprocess.run(call, capture_output=True, text=True, check=False, timeout=300)
 
 
