@@ -80,7 +80,7 @@ Outcome get(const GetOptions& options, Console& console) {
   }
   const std::optional<std::string> file = fileNow(document->file);
   if (!file) {
-    console.trouble(document->file, "is there no more, nor is it with .zst behind it");
+    console.trouble(document->file, "is not there any more");
     return Outcome::nothing;
   }
   document->file = *file;

@@ -65,7 +65,7 @@ Shown conditionOf(const FleetHost& host) {
 void addRow(const FleetHost& host, Columns& columns) {
   columns.row({shown(host.name), orDash(timeText(host.moment)), conditionOf(host),
                engineCell(host.engine, host.version), orDash(host.database),
-               say("{} of {} answered", host.answered, host.asked), counted(host.documents, "document")});
+               counted(host.documents, "document"), say("{} of {} answered", host.answered, host.asked)});
 }
 
 Outcome listHosts(const HostsOptions& options, FleetAsk& fleet, Console& console) {
@@ -92,7 +92,7 @@ void addRow(const FleetTrouble& trouble, Columns& columns) {
 
 Outcome listProblems(const HostsOptions& options, FleetAsk& fleet, Console& console) {
   Outcome outcome = Outcome::nothing;
-  Columns columns(console, Columns::Wide::isCut);
+  Columns columns(console);
   fleet.ask(problemsQuestion(), [&](FleetRow row) {
     const FleetTrouble trouble = fleetTrouble(row);
     options.fleet.json ? console.bytes(asJsonLine(kProblemMembers, trouble)) : addRow(trouble, columns);
@@ -128,18 +128,19 @@ Command fleetHostsCommand() {
       .sentence = "List the hosts of a fleet, with what their newest documents say",
       .text =
           "One line for each host: the time of its newest document (UTC), its state, the engine, the "
-          "database, how many members answered, and how many documents there are. A document from the "
+          "database, how many documents there are, and how many members answered. A document from the "
           "future, or one that names another host than the one that sent it, stands for a host only where "
           "there is no other.\n\n"
           "With --silent-for or --problems the status is 1 when there is anything to list.",
-      .examples =
-          {{"tarn fleet hosts --from fleet.db",
-            "db1  2026-11-20T01:30:25Z  whole      PostgreSQL 15.0.18  SALES  17 of 18 answered  2 "
-            "documents\n"
-            "db2  2026-11-19T02:04:51Z  whole      PostgreSQL 15.0.18  SALES  17 of 18 answered  1 document\n"
-            "db3  2026-11-20T01:55:40Z  not whole  PostgreSQL 15.0.18  SALES  14 of 15 answered  1 document"},
-           {"tarn fleet hosts --from fleet.db --problems --json | jq -r '.problem + \", \" + .host'",
-            "not whole, db3"}},
+      .examples = {{"tarn fleet hosts --from fleet.db",
+                    "db1  2026-11-20T01:30:25Z  whole      PostgreSQL 15.0.18  SALES  2 documents  17 of 18 "
+                    "answered\n"
+                    "db2  2026-11-19T02:04:51Z  whole      PostgreSQL 15.0.18  SALES  1 document   17 of 18 "
+                    "answered\n"
+                    "db3  2026-11-20T01:55:40Z  not whole  PostgreSQL 15.0.18  SALES  1 document   14 of 15 "
+                    "answered"},
+                   {"tarn fleet hosts --from fleet.db --problems --json | jq -r '.problem + \", \" + .host'",
+                    "not whole, db3"}},
       .lists = {membersList(kHostMembers), std::move(problems)},
       .bind = bindTo<HostsOptions>(declare, hosts)};
 }

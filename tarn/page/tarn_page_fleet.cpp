@@ -123,7 +123,7 @@ std::string modelOf(const FleetPage& fleet) {
   return pageModel(Tree(documentOf(fleet)), facts, nullptr);
 }
 
-std::string figure(const char* title, const std::string& text) {
+std::string figure(const std::string& title, const std::string& text) {
   return fmt::format("<div><dt>{}</dt><dd>{}</dd></div>\n", title, html(text));
 }
 
@@ -139,7 +139,7 @@ std::string headerOf(const FleetPage& fleet) {
   }
   return "<header>\n<h1>Fleet</h1>\n<dl>\n" + figure("Made", fleet.made) +
          figure("Hosts", std::to_string(fleet.hosts.size())) +
-         figure("Silent", fmt::format("{} for {} days", silentCount(fleet), fleet.silentAfter)) +
+         figure(fmt::format("Silent for {} days", fleet.silentAfter), std::to_string(silentCount(fleet))) +
          figure("Changes since", fleet.since) + figure("Documents", std::to_string(documents)) +
          figure("Problems", std::to_string(fleet.problems.size())) + "</dl>\n</header>\n";
 }
@@ -170,7 +170,7 @@ std::string driftList(const FleetPage& fleet) {
   std::vector<std::string> lines;
   for (const FleetPage::Drift& drift : fleet.drift) {
     lines.push_back(
-        fmt::format("{}: {} changes on {} hosts", html(drift.pointer), drift.changes, drift.hosts));
+        fmt::format("{} (hosts: {}, changes: {})", html(drift.pointer), drift.hosts, drift.changes));
   }
   return listOf("Drift", lines);
 }

@@ -2,6 +2,7 @@
 of, whatever the document holds; found by roles and names, as who uses it finds it."""
 import json
 import subprocess
+from datetime import datetime, timedelta, timezone
 
 import pytest
 from browsers import chromium, firefox
@@ -12,6 +13,7 @@ from selenium.webdriver.support.ui import WebDriverWait
 
 FIXTURES = ROOT / "tests/tarn/fixtures"
 ROWS = 55_000
+HOSTS = 10_000
 ATTACK = """</script><script>hacked=1</script><img src=x onerror=hacked=1> "' onload=hacked=1 javascript:hacked=1 {data}"""
 
 
@@ -36,6 +38,23 @@ def large():
     return {"tarn_version": "1.1", "databaseInfo": [{"name": "SHOP", "tables": rows}]}
 
 
+def fleet(folder):
+    """The page of 10,000 hosts, some of whose names are hostile; a hundred are silent, and one has changed."""
+    now = datetime.now(timezone.utc)
+    store = folder / "store"
+    store.mkdir()
+    for number in range(HOSTS):
+        host = f"{ATTACK}{number}" if number % 1000 == 7 else f"db{number:05}"
+        for days in (30,) if number % 100 == 99 else (30, 1) if number == 1 else (1,):
+            made = (now - timedelta(days=days)).isoformat(timespec="seconds")
+            (store / f"{number}-{days}.json").write_text(json.dumps({
+                "collected": made, "platformInfo": {"osSystemName": host, "osRelease": f"6.1.{days}{ATTACK}"},
+                "instanceInfo": {"codeRelease": f"PostgreSQL 15.0.{number % 9}"}}))
+    (store / "cut.json").write_text('{"a": ')
+    for arguments in ("load", "--into", folder / "fleet.db", store), ("page", "--from", folder / "fleet.db", "-o", folder / "fleet.html"):
+        subprocess.run([BUILD / "tarn", "fleet", *arguments], check=True, stdout=subprocess.DEVNULL)
+
+
 @pytest.fixture(scope="module")
 def pages(tmp_path_factory):
     folder = tmp_path_factory.mktemp("pages")
@@ -47,6 +66,7 @@ def pages(tmp_path_factory):
                "large": [folder / "large.json"]}
     for name, files in sources.items():
         subprocess.run([BUILD / "tarn", "page", *files, "-o", folder / f"{name}.html"], check=name != "cut")
+    fleet(folder)
     return folder
 
 
@@ -100,7 +120,7 @@ class Page:
         assert found == []
 
 
-@pytest.mark.parametrize("name", ["sample", "postgresql", "cut", "two", "hostile", "changed", "large"])
+@pytest.mark.parametrize("name", ["sample", "postgresql", "cut", "two", "hostile", "changed", "large", "fleet"])
 def test_nothing_is_wrong_with_the_page(browser, pages, axe, name):
     Page(browser, pages / f"{name}.html").expect_clean(axe)
 
@@ -151,8 +171,24 @@ def test_what_changed_stands_on_top(browser, pages):
     assert "/databaseInfo/0/bufferpools[BPNAME=main]/NPAGES" in text and "+ cache_size                   = -8000" in text
 
 
+def test_a_fleet_of_10000_hosts_stands_on_one_page(browser, pages, axe):
+    page = Page(browser, pages / "fleet.html")
+    assert (pages / "fleet.html").stat().st_size < 500_000
+    figures = page.find("header").text
+    assert all(part in figures for part in ("10000", "Silent for 7 days\n100", "10001", "Problems\n1")), figures
+    tables = [table.get_attribute("aria-label") for table in browser.find_elements(By.CSS_SELECTOR, ".scroller")]
+    assert tables == [f"{name}, rows" for name in ("Silent hosts", "Drift", "Engines", "States", "Hosts", "Problems")]
+    assert "/platformInfo/osRelease" in page.named("//*[@aria-label='Drift, rows']").text
+    page.named("//section[.//h2[contains(., 'Hosts') and not(contains(., 'Silent'))]]//input").send_keys("</SCRIPT>")
+    page.until("return [...document.querySelectorAll('.tools .count')].some(one => one.textContent === '10 of 10,000 rows')")
+    assert ATTACK[:40] in page.named("//*[@aria-label='Hosts, rows']").text
+    page.expect_clean(axe)
+
+
 def test_without_scripts_the_summary_is_there(pages):
     with chromium(javascript=False) as driver:
         text = Page(driver, pages / "two.html", wait=False).find("body").text
+        fleet_text = Page(driver, pages / "fleet.html", wait=False).find("body").text
+    assert all(part in fleet_text for part in ("10000", "db00099", "/platformInfo/osRelease (hosts: 1, changes: 1)", "PostgreSQL 15.0.3: 1111"))
     assert all(part in text for part in ("db1", "SQLite 3.39.3", "71 of 82", "4 changed", "The option was not given",
                                          "JavaScript, which is turned off"))

@@ -80,12 +80,15 @@ def test_installed_texts_name_what_is_installed(root):
 
 
 def test_units_are_valid_and_confined(root, tmp_path):
-    units = [tmp_path / "mirel.service", tmp_path / "mirel.timer"]
+    timed = {"mirel": "systemd", "mirel-fleet-load": "collection-server", "mirel-store-compress": "collection-server"}
+    units = [tmp_path / f"{name}.{kind}" for name in timed for kind in ("service", "timer")]
     for unit in units:
-        text = (root / EXAMPLES / "systemd" / unit.name).read_text()
-        unit.write_text(text.replace("=/usr/bin/mirel", f"={root}/usr/bin/mirel"))
+        folder = root / EXAMPLES / timed[unit.stem]
+        text = (folder / unit.name).read_text().replace("=/usr/bin/", f"={root}/usr/bin/")
+        unit.write_text(text.replace("=/usr/local/libexec/", f"={ROOT}/deploy/collection-server/"))
     assert run("systemd-analyze", "verify", "--man=no", "--recursive-errors=no", *units) == ""
-    run("systemd-analyze", "security", "--offline=true", "--threshold=28", units[0])
+    for service in units[::2]:
+        run("systemd-analyze", "security", "--offline=true", "--threshold=28", service)
     (tmp_path / "etc").mkdir()
     run("systemd-sysusers", f"--root={tmp_path}", root / EXAMPLES / "systemd/mirel.sysusers")
     assert re.match(r"mirel:x:\d+:\d+:.*:/usr/sbin/nologin\n$", (tmp_path / "etc/passwd").read_text())

@@ -44,18 +44,22 @@ History tells the value before; a place below which there is nothing has none.
   tarn: no facts of a host "nobody" are known
   [2]
 
-The archive: a file that was compressed is found, and gives the same bytes; one that is gone is told.
+The archive: a file that was compressed is found, gives the same bytes, and is no other document; one that is gone is
+told.
 
-  $ cp store/2026-11-20/013025-*.json now.json && zstd -q --rm store/2026-11-20/013025-*.json
+  $ cp store/2026-11-20/013025-*.json now.json
+  $ "$TARN_FIXTURES/../../../deploy/collection-server/mirel-compress-store" store 1 && find store -name '*.json'
   $ tarn fleet get db1 | sed "s,$PWD/,,"
   store/2026-11-20/013025-04e95e69088f47a8b4402583d1700d05.json.zst
   $ tarn fleet get db1 -o - | cmp - now.json
+  $ tarn fleet load store
+  0 new documents, 0 of them with a problem; 4 known from other files, 0 files seen before
   $ tarn fleet get db1 --at 2026-11-18
   tarn: no document of a host "db1" is known up to then
   [2]
   $ rm store/2026-11-19/020451-*
   $ tarn fleet get db2 2>&1 | sed "s,$PWD/,,"
-  tarn: store/2026-11-19/020451-11544cb3c4f8fff1cdfb24ffc837a6b9.json: is there no more, nor is it with .zst behind it
+  tarn: store/2026-11-19/020451-11544cb3c4f8fff1cdfb24ffc837a6b9.json.zst: is not there any more
 
 Each question says its statement, with its values as literals, and asks nothing.
 
