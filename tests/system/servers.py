@@ -1,11 +1,12 @@
-"""Real servers, private to who starts them: PostgreSQL, MariaDB, and the collection server's nginx."""
+"""Real servers, private to who starts them: PostgreSQL, MariaDB, ClickHouse, and the collection server's nginx."""
 import os
 import shutil
 import socket
 import subprocess
 import tempfile
 import time
-from contextlib import contextmanager
+import urllib.request
+from contextlib import ExitStack, contextmanager
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -119,3 +120,67 @@ def nginx():
                 yield Nginx(root, port)
             finally:
                 process.terminate()
+
+
+class ClickHouse:
+    """A server on loopback that knows the users default, without a password, and fleet, with "secret"."""
+
+    CONFIG = """<yandex>
+      <logger><level>warning</level><log>{folder}/log</log><errorlog>{folder}/errors</errorlog></logger>
+      <listen_host>127.0.0.1</listen_host><http_port>{http}</http_port><tcp_port>{tcp}</tcp_port>
+      <path>{folder}/data/</path><tmp_path>{folder}/tmp/</tmp_path><user_files_path>{folder}/files/</user_files_path>
+      <mark_cache_size>10000000</mark_cache_size><users_config>users.xml</users_config>
+      <default_profile>default</default_profile><default_database>default</default_database></yandex>"""
+    USERS = """<yandex><profiles><default><max_memory_usage>500000000</max_memory_usage></default></profiles>
+      <quotas><default/></quotas><users>
+      <default><password/><networks><ip>::/0</ip></networks><profile>default</profile><quota>default</quota></default>
+      <fleet><password>secret</password><networks><ip>::/0</ip></networks><profile>default</profile>
+      <quota>default</quota></fleet></users></yandex>"""
+
+    def __init__(self, folder, http, tcp, cluster):
+        self.folder, self.port = folder, http
+        (folder / "config.d").mkdir(parents=True)
+        (folder / "config.xml").write_text(self.CONFIG.format(folder=folder, http=http, tcp=tcp))
+        (folder / "users.xml").write_text(self.USERS)
+        (folder / "config.d/cluster.xml").write_text(cluster)
+        self.start()
+
+    def start(self):
+        with (self.folder / "output").open("wb") as output:
+            self.process = subprocess.Popen(["clickhouse-server", f"--config-file={self.folder}/config.xml"],
+                                            stdout=output, stderr=output)
+        while True:
+            assert self.process.poll() is None, "ClickHouse did not start"
+            try:
+                return self.ask("SELECT 1")
+            except OSError:
+                time.sleep(0.05)
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+    def ask(self, statement, database="default"):
+        url = f"http://127.0.0.1:{self.port}/?database={database}&wait_end_of_query=1"
+        with urllib.request.urlopen(url, statement.encode()) as answer:
+            return answer.read().decode()
+
+    def name(self, database):
+        return f"clickhouse://127.0.0.1:{self.port}/{database}"
+
+
+@contextmanager
+def clickhouse(folder):
+    """Two servers with the shipped configuration of a cluster: they are its shards."""
+    with ExitStack() as stack:
+        ports = [stack.enter_context(socket.create_server(("127.0.0.1", 0))).getsockname()[1] for _ in range(4)]
+    cluster = (ROOT / "deploy/fleet/clickhouse/cluster.xml").read_text()
+    for shard in (1, 2):
+        cluster = cluster.replace(f"fleet{shard}.example.org", "127.0.0.1").replace(
+            "<port>9000<", f"<port>{ports[shard + 1]}<", 1)
+    servers = [ClickHouse(folder / str(n), ports[n], ports[n + 2], cluster) for n in (0, 1)]
+    try:
+        yield servers
+    finally:
+        for server in servers:
+            server.kill()

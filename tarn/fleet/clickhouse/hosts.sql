@@ -7,8 +7,8 @@ FROM (
   WHERE host != ''
   ORDER BY host, problem IN ('future', 'other host'), moment DESC, hash DESC, written DESC
   LIMIT 1 BY host
-)
+) AS newest
 ANY INNER JOIN (
   SELECT host, uniqExact(hash) AS documents FROM document WHERE host != '' GROUP BY host
-) USING host
+) AS counted USING host
 ORDER BY host
