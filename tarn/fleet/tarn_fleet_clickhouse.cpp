@@ -65,8 +65,7 @@ bool isClickhouse(const std::string& name) {
 OpenedDatabase openClickhouse(const std::string& name, bool mustExist) {
   const std::optional<Name> parts = nameIn(name);
   if (!parts) {
-    return {nullptr,
-            name + ": a database is named clickhouse://HOST[:PORT]/DATABASE, of letters, digits and _"};
+    return {nullptr, "a database is named clickhouse://HOST[:PORT]/DATABASE, of letters, digits and _"};
   }
   const FleetHttp::Server server = {parts->address, environment("TARN_FLEET_USER"),
                                     environment("TARN_FLEET_PASSWORD")};
@@ -79,7 +78,7 @@ OpenedDatabase openClickhouse(const std::string& name, bool mustExist) {
 }
 
 ClickhouseDatabase::ClickhouseDatabase(const FleetHttp::Server& server, std::string database)
-    : m_http(server), m_claim(&m_http), m_address(server.address), m_database(std::move(database)) {
+    : m_http(server), m_claim(&m_http), m_database(std::move(database)) {
   m_http.setDatabase(m_database);
 }
 
@@ -88,24 +87,21 @@ FleetProblem ClickhouseDatabase::told(const HttpOutcome& outcome) const {
   if (!outcome) {
     return std::nullopt;
   }
-  std::string text = outcome->text;
   if (outcome->code == kUnknownDatabase) {
-    text = fmt::format("there is no database {}", m_database);
-  } else if (std::ranges::find(kWrongLogin, outcome->code) != std::end(kWrongLogin)) {
-    text = "wrong user or password (TARN_FLEET_USER, TARN_FLEET_PASSWORD)";
+    return fmt::format("there is no database {}", m_database);
   }
-  return fmt::format("{}: {}", m_address, text);
+  const bool isLogin = std::ranges::find(kWrongLogin, outcome->code) != std::end(kWrongLogin);
+  return isLogin ? "wrong user or password (TARN_FLEET_USER, TARN_FLEET_PASSWORD)" : outcome->text;
 }
 
 FleetProblem ClickhouseDatabase::check() {
   std::string form;
   const HttpOutcome problem = answerOf(&m_http, "SELECT form FROM tarn_fleet", &form);
   if (problem && problem->code == kUnknownTable) {
-    return fmt::format("{}: the database {} is not one of a fleet", m_address, m_database);
+    return fmt::format("the database {} is not one of a fleet", m_database);
   }
   if (!problem && form != "1\n") {
-    return fmt::format("{}: the database {} has a form that this version does not know", m_address,
-                       m_database);
+    return fmt::format("the database {} has a form that this version does not know", m_database);
   }
   return told(problem);
 }

@@ -53,7 +53,7 @@ class ClickhouseDatabase : public FleetDatabase {
 
   FleetHttp m_http;
   FleetClaim m_claim;
-  std::string m_address, m_database;
+  std::string m_database;
   std::vector<MovedDocument> m_moved;
 };
 

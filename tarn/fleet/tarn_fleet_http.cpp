@@ -18,7 +18,7 @@ constexpr long kKept = 2;
 constexpr std::size_t kLongestProblem = 300;
 
 /// Behind these words, and before those, stands what a person wants to know.
-constexpr std::string_view kBefore = "DB::Exception: ";
+constexpr std::string_view kBefore = "Exception: ";
 constexpr std::string_view kBehind[] = {", e.what()", " (version ", ". Stack trace"};
 
 int codeOf(std::string_view answer) {

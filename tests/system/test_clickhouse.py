@@ -22,9 +22,10 @@ def document(host, day):
     return {
         "tarn_collection_time": f"2026-11-{day + 1:02}T10:00:00Z",
         "instanceInfo": {"codeRelease": "SQLite 3", "version": f"3.{9 + (day + host) // 4}.{day // 2}"},
-        "databaseInfo": [{"name": name, "bufferpools": pools, "note": f"line\n\ttab\\ '{host}' {{pointer}} é\x01"}
+        "databaseInfo": [{"name": name, "bufferpools": pools, "minNPages": str(day),
+                          "note": f"line\n\ttab\\ '{host}' {{pointer}} é\x01"}
                          for name in ["SALES", "HR"][:1 + (host + day) % 2]],
-        "platformInfo": {"osSystemName": f"host{host}.example.org", "free": str(1000 * host + day)},
+        "platformInfo": {"osSystemName": f"host{host}.example.org"},
         "items": ["a", "a", "b"] if day < 3 else []}
 
 
@@ -138,8 +139,8 @@ def test_a_server_that_is_killed_loses_nothing(shards, store, expected):
         loader = start("load", "--into", database, str(store))
         time.sleep(0.03 * pause)
         shards[1].kill()
-        out, err = loader.communicate(timeout=60)
-        assert (loader.returncode, out, err.count("\n")) == (2, "", 1) or (loader.returncode, err) == (0, "")
+        _, err = loader.communicate(timeout=60)
+        assert (loader.returncode, err.count("\n")) in [(2, 1), (0, 0)]
         shards[1].start()
     load(database, store)
     assert answers(database, store) == expected
