@@ -48,6 +48,7 @@ class ClickhouseDatabase : public FleetDatabase {
                              std::vector<HostHistory>* histories);
   FleetProblem readRows(const std::string& hosts, std::span<const HostWanted> wanted,
                         std::vector<HostHistory>* histories);
+  FleetProblem readTexts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts);
   FleetProblem makeTables();
   FleetProblem writeMoved();
 

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 #include <tuple>
 #include <unordered_map>
 
@@ -19,6 +18,14 @@ namespace {
 
 std::string hostsOf(std::span<const HostWanted> hosts) {
   return listOf(hosts, [](const HostWanted& host) { return clickhouseLiteral(host.name); });
+}
+
+/// A server's own limit of what a statement may hold is 50,000 expressions.
+constexpr std::size_t kMostTexts = 10'000;
+
+/// One number for a row, as texts.sql computes it.
+std::uint64_t keyOf(const RowWanted& row) {
+  return sipHash(row.host) ^ row.place ^ static_cast<std::uint64_t>(row.since);
 }
 
 using Numbers = std::unordered_map<std::uint64_t, std::size_t>;
@@ -156,39 +163,40 @@ FleetProblem ClickhouseDatabase::readRows(const std::string& hosts, std::span<co
 }
 
 FleetProblem ClickhouseDatabase::texts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts) {
-  using Key = std::tuple<std::uint64_t, std::uint64_t, Moment>;
-  texts->assign(rows.size(), {});
-  if (rows.empty()) {
-    return std::nullopt;
+  texts->clear();
+  FleetProblem problem;
+  while (!rows.empty() && !problem) {
+    const std::size_t count = std::min(rows.size(), kMostTexts);
+    problem = readTexts(rows.first(count), texts);
+    rows = rows.subspan(count);
   }
+  return problem;
+}
+
+FleetProblem ClickhouseDatabase::readTexts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts) {
+  const std::size_t begin = texts->size();
+  texts->resize(begin + rows.size());
   std::unordered_set<std::string_view> hosts;
-  std::map<Key, std::vector<std::size_t>> wanted;
+  std::unordered_multimap<std::uint64_t, std::size_t> wanted;
   for (std::size_t at = 0; at < rows.size(); ++at) {
     hosts.insert(rows[at].host);
-    wanted[{sipHash(rows[at].host), rows[at].place, rows[at].since}].push_back(at);
+    wanted.emplace(keyOf(rows[at]), begin + at);
   }
-  const SqlParts parts = {{"hosts", listOf(hosts, clickhouseLiteral)},
-                          {"rows", listOf(wanted, [](const auto& row) {
-                             const auto& [host, place, since] = row.first;
-                             return fmt::format("(toUInt64({}), toUInt64({}), toInt64({}))", host, place,
-                                                since);
-                           })}};
+  const SqlParts parts = {
+      {"hosts", listOf(hosts, clickhouseLiteral)},
+      {"rows", listOf(wanted, [](const auto& row) { return std::to_string(row.first); })}};
   std::string answer;
   if (HttpOutcome problem = answerOf(&m_http, clickhouseStatement("texts", parts), &answer)) {
     return told(problem);
   }
   for (RowBinaryReader reader(answer); !reader.atEnd();) {
-    const auto host = reader.number<std::uint64_t>();
-    const auto place = reader.number<std::uint64_t>();
-    const auto since = reader.number<Moment>();
+    const auto [first, last] = wanted.equal_range(reader.number<std::uint64_t>());
     RowTexts found;
     found.place.text = reader.text();
     found.place.pointer = reader.text();
     found.place.scope = reader.text();
     found.value = reader.text();
-    for (const std::size_t at : wanted[{host, place, since}]) {
-      (*texts)[at] = found;
-    }
+    std::for_each(first, last, [&](const auto& row) { (*texts)[row.second] = found; });
   }
   return std::nullopt;
 }

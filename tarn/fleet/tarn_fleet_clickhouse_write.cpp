@@ -16,6 +16,7 @@ namespace {
 
 /// A piece of an insert, in bytes.
 constexpr std::size_t kPiece = 1 << 20;
+constexpr std::size_t kMostMoved = 1000;
 
 /// Rows are written in this order: should the insert break off, what is there is what an older state of the
 /// host was, with rows that repeat their predecessors.
@@ -123,10 +124,10 @@ FleetProblem ClickhouseDatabase::write(const FleetBatch& batch) {
   return told(problem);
 }
 
-/// Kept until the claim is given back: one statement for many.
+/// Kept until the claim is given back, or there are many: one statement for all.
 FleetProblem ClickhouseDatabase::moved(const FleetDocument& document) {
   m_moved.push_back({document.hash, document.file, document.seen});
-  return std::nullopt;
+  return m_moved.size() < kMostMoved ? std::nullopt : writeMoved();
 }
 
 FleetProblem ClickhouseDatabase::writeMoved() {

@@ -1,5 +1,5 @@
 -- The texts of some rows.
-SELECT sipHash64(host), sipHash64(place), since, place, pointer, scope, value
+SELECT bitXor(bitXor(sipHash64(host), sipHash64(place)), toUInt64(since)) AS row, place, pointer, scope, value
 FROM history
-WHERE host IN ({hosts}) AND (sipHash64(host), sipHash64(place), since) IN ({rows})
+WHERE host IN ({hosts}) AND row IN ({rows})
 FORMAT RowBinary
