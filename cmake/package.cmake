@@ -32,6 +32,7 @@ if(TARGET tarn)
 endif()
 set(CPACK_DEBIAN_TARN_PACKAGE_NAME tarn)
 set(CPACK_DEBIAN_TARN_PACKAGE_SOURCE mirel)
+set(CPACK_DEBIAN_TARN_PACKAGE_RECOMMENDS "libcurl4")  # loaded when a ClickHouse server is asked
 set(CPACK_DEBIAN_TARN_PACKAGE_SUGGESTS "mirel")
 set(CPACK_DEBIAN_TARN_DESCRIPTION
 "Reader of the documents that mirel makes

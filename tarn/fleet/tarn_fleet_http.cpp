@@ -1,11 +1,12 @@
 #include "tarn/fleet/tarn_fleet_http.h"
 
-#include <curl/curl.h>
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+
+#include "tarn/fleet/tarn_fleet_curl.h"
 
 namespace tarn {
 
@@ -16,6 +17,8 @@ constexpr long kSilence = 300;
 /// Debian's server closes a connection after three idle seconds.
 constexpr long kKept = 2;
 constexpr std::size_t kLongestProblem = 300;
+
+const HttpProblem kNoLibrary = {0, "libcurl.so.4 cannot be loaded (Debian's package libcurl4)"};
 
 /// Behind these words, and before those, stands what a person wants to know.
 constexpr std::string_view kBefore = "Exception: ";
@@ -60,6 +63,7 @@ struct FleetHttp::Exchange {
   const TakeBytes* take = nullptr;
   const GiveBytes* give = nullptr;
 
+  const Curl* library = nullptr;
   CURL* curl = nullptr;
   std::string_view piece;
   std::string refusal;
@@ -67,7 +71,7 @@ struct FleetHttp::Exchange {
 
   long status() const {
     long status = 0;
-    curl_easy_getinfo(curl, CURLINFO_RESPONSE_CODE, &status);
+    library->easyGetinfo(curl, CURLINFO_RESPONSE_CODE, &status);
     return status;
   }
 
@@ -92,18 +96,29 @@ struct FleetHttp::Exchange {
 };
 
 struct FleetHttp::Handle {
-  CURL* curl = curl_easy_init();
+  const Curl& library;
+  CURL* curl = library.easyInit();
   curl_slist* headers = nullptr;
   char error[CURL_ERROR_SIZE] = "";
 
+  explicit Handle(const Curl& loaded) : library(loaded) {}
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
   ~Handle() {
-    curl_slist_free_all(headers);
-    curl_easy_cleanup(curl);
+    library.slistFreeAll(headers);
+    library.easyCleanup(curl);
+  }
+
+  std::string escaped(std::string_view text) const {
+    char* const escaped = library.easyEscape(curl, text.data(), static_cast<int>(text.size()));
+    std::string result = escaped == nullptr ? "" : escaped;
+    library.free(escaped);
+    return result;
   }
 
   void add(const char* name, const std::string& value) {
     if (!value.empty() && isHeaderText(value)) {
-      headers = curl_slist_append(headers, fmt::format("{}: {}", name, value).c_str());
+      headers = library.slistAppend(headers, fmt::format("{}: {}", name, value).c_str());
     }
   }
 };
@@ -120,35 +135,36 @@ std::size_t writePiece(char* bytes, std::size_t size, std::size_t count, void* e
   return static_cast<Exchange*>(exchange)->write({bytes, size * count});
 }
 
-std::string escaped(CURL* curl, std::string_view text) {
-  char* const escaped = curl_easy_escape(curl, text.data(), static_cast<int>(text.size()));
-  std::string result = escaped == nullptr ? "" : escaped;
-  curl_free(escaped);
-  return result;
-}
-
 }  // namespace
 
-FleetHttp::FleetHttp(const Server& server) : m_address(server.address), m_handle(std::make_unique<Handle>()) {
+FleetHttp::FleetHttp(const Server& server) : m_address(server.address) {
+  const Curl* const library = loadedCurl();
+  if (library == nullptr) {
+    return;
+  }
+  m_handle = std::make_unique<Handle>(*library);
   m_handle->add("X-ClickHouse-User", server.user);
   m_handle->add("X-ClickHouse-Key", server.password);
-  m_handle->headers = curl_slist_append(m_handle->headers, "Expect:");
+  m_handle->headers = library->slistAppend(m_handle->headers, "Expect:");
   CURL* const curl = m_handle->curl;
-  curl_easy_setopt(curl, CURLOPT_HTTPHEADER, m_handle->headers);
-  curl_easy_setopt(curl, CURLOPT_ERRORBUFFER, m_handle->error);
-  curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http");
-  curl_easy_setopt(curl, CURLOPT_PROXY, "");
-  curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, 10L);
-  curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
-  curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, kSilence);
-  curl_easy_setopt(curl, CURLOPT_MAXAGE_CONN, kKept);
-  curl_easy_setopt(curl, CURLOPT_UPLOAD_BUFFERSIZE, 256 * 1024L);
+  library->easySetopt(curl, CURLOPT_HTTPHEADER, m_handle->headers);
+  library->easySetopt(curl, CURLOPT_ERRORBUFFER, m_handle->error);
+  library->easySetopt(curl, CURLOPT_PROTOCOLS_STR, "http");
+  library->easySetopt(curl, CURLOPT_PROXY, "");
+  library->easySetopt(curl, CURLOPT_NOSIGNAL, 1L);
+  library->easySetopt(curl, CURLOPT_CONNECTTIMEOUT, 10L);
+  library->easySetopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
+  library->easySetopt(curl, CURLOPT_LOW_SPEED_TIME, kSilence);
+  library->easySetopt(curl, CURLOPT_MAXAGE_CONN, kKept);
+  library->easySetopt(curl, CURLOPT_UPLOAD_BUFFERSIZE, 256 * 1024L);
 }
 
 FleetHttp::~FleetHttp() = default;
 
 HttpOutcome FleetHttp::ask(std::string_view statement, const TakeBytes& take) {
+  if (!m_handle) {
+    return kNoLibrary;
+  }
   Exchange question;
   question.url = target("");
   question.statement = statement;
@@ -157,6 +173,9 @@ HttpOutcome FleetHttp::ask(std::string_view statement, const TakeBytes& take) {
 }
 
 HttpOutcome FleetHttp::insert(std::string_view statement, const GiveBytes& give) {
+  if (!m_handle) {
+    return kNoLibrary;
+  }
   Exchange rows;
   rows.url = target(statement);
   rows.give = &give;
@@ -164,40 +183,41 @@ HttpOutcome FleetHttp::insert(std::string_view statement, const GiveBytes& give)
 }
 
 std::string FleetHttp::target(std::string_view statement) const {
-  CURL* const curl = m_handle->curl;
   std::string url = fmt::format("http://{}/?wait_end_of_query=1&max_query_size=1000000000", m_address);
   // Rows of several shards: each shard's own subqueries, and no insert that is still on its way when it ends.
   url += "&distributed_product_mode=local&insert_distributed_sync=1";
   if (!m_database.empty()) {
-    url += "&database=" + escaped(curl, m_database);
+    url += "&database=" + m_handle->escaped(m_database);
   }
   if (!statement.empty()) {
-    url += "&query=" + escaped(curl, statement);
+    url += "&query=" + m_handle->escaped(statement);
   }
   return url;
 }
 
 HttpOutcome FleetHttp::exchange(Exchange* exchange) {
+  const Curl& library = m_handle->library;
   CURL* const curl = exchange->curl = m_handle->curl;
-  curl_easy_setopt(curl, CURLOPT_URL, exchange->url.c_str());
-  curl_easy_setopt(curl, CURLOPT_POST, 1L);
-  curl_easy_setopt(curl, CURLOPT_POSTFIELDS,
-                   exchange->give == nullptr ? exchange->statement.data() : nullptr);
-  curl_easy_setopt(curl, CURLOPT_POSTFIELDSIZE_LARGE,
-                   exchange->give == nullptr ? static_cast<curl_off_t>(exchange->statement.size()) : -1);
-  curl_easy_setopt(curl, CURLOPT_READFUNCTION, &readPiece<Exchange>);
-  curl_easy_setopt(curl, CURLOPT_READDATA, exchange);
-  curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &writePiece<Exchange>);
-  curl_easy_setopt(curl, CURLOPT_WRITEDATA, exchange);
+  exchange->library = &library;
+  library.easySetopt(curl, CURLOPT_URL, exchange->url.c_str());
+  library.easySetopt(curl, CURLOPT_POST, 1L);
+  library.easySetopt(curl, CURLOPT_POSTFIELDS,
+                     exchange->give == nullptr ? exchange->statement.data() : nullptr);
+  library.easySetopt(curl, CURLOPT_POSTFIELDSIZE_LARGE,
+                     exchange->give == nullptr ? static_cast<curl_off_t>(exchange->statement.size()) : -1);
+  library.easySetopt(curl, CURLOPT_READFUNCTION, &readPiece<Exchange>);
+  library.easySetopt(curl, CURLOPT_READDATA, exchange);
+  library.easySetopt(curl, CURLOPT_WRITEFUNCTION, &writePiece<Exchange>);
+  library.easySetopt(curl, CURLOPT_WRITEDATA, exchange);
   m_handle->error[0] = '\0';
 
-  const CURLcode outcome = curl_easy_perform(curl);
+  const CURLcode outcome = library.easyPerform(curl);
   const long status = exchange->status();
   if (status != 0 && status != 200) {
     return problemOf(status, exchange->refusal);
   }
   if (outcome != CURLE_OK && !exchange->ended) {
-    return HttpProblem{0, m_handle->error[0] != '\0' ? m_handle->error : curl_easy_strerror(outcome)};
+    return HttpProblem{0, m_handle->error[0] != '\0' ? m_handle->error : library.easyStrerror(outcome)};
   }
   return std::nullopt;
 }
