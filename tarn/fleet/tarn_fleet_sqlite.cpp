@@ -26,10 +26,7 @@ constexpr const char* kFindTexts =
 constexpr const char* kAddFact =
     "INSERT INTO fact (host, since, place, value, void) VALUES (?, ?, ?, ?, ?) "
     "ON CONFLICT (host, since, place) DO UPDATE SET value = excluded.value, void = excluded.void";
-constexpr const char* kAddLatest =
-    "INSERT INTO latest (host, place, since, value) VALUES (?, ?, ?, ?) "
-    "ON CONFLICT (host, place) DO UPDATE SET since = excluded.since, value = excluded.value "
-    "WHERE excluded.since > latest.since";
+constexpr const char* kAddLatest = "INSERT INTO latest (host, place, since, value) VALUES (?, ?, ?, ?)";
 constexpr const char* kAddDocument =
     "INSERT OR IGNORE INTO document (hash, host, moment, file, bytes, seen, state, problem, line, "
     "\"column\", "
@@ -79,12 +76,15 @@ struct LoaderStatements {
         findDocuments(connection, kFindDocuments),
         findTexts(connection, kFindTexts),
         addFact(connection, kAddFact),
+        findLatest(connection, "SELECT since, value FROM latest WHERE host = ? AND place = ?"),
         addLatest(connection, kAddLatest),
+        renewLatest(connection, "UPDATE latest SET since = ? WHERE host = ? AND place = ?"),
         addDocument(connection, kAddDocument),
         move(connection, "UPDATE document SET file = ?, seen = ? WHERE hash = ?") {}
 
   SqliteIds ids;
-  SqliteStatement isKnown, findRows, findDocuments, findTexts, addFact, addLatest, addDocument, move;
+  SqliteStatement isKnown, findRows, findDocuments, findTexts, addFact, findLatest, addLatest, renewLatest,
+      addDocument, move;
 };
 
 class SqliteFleet : public FleetDatabase {
@@ -254,12 +254,23 @@ void SqliteFleet::addFacts(const std::vector<FleetFact>& facts) {
 }
 
 void SqliteFleet::addLatest(const std::vector<FleetFact>& facts) {
+  SqliteStatement& find = m_loader->findLatest;
   for (const FleetFact& fact : facts) {
-    m_loader->addLatest.bind(hostOf(fact))
-        .bind(m_loader->ids.place(*fact.place))
-        .bind(fact.since)
-        .bind(m_loader->ids.value(fact.value.value_or("")))
-        .step();
+    const std::int64_t host = hostOf(fact);
+    const std::int64_t place = m_loader->ids.place(*fact.place);
+    const std::string_view text = fact.value.value_or("");
+    if (!find.bind(host).bind(place).step()) {
+      const std::int64_t value = m_loader->ids.ownValue(text);
+      m_loader->addLatest.bind(host).bind(place).bind(fact.since).bind(value).step();
+      continue;
+    }
+    const Moment since = find.integer(0);
+    const std::int64_t value = find.integer(1);
+    find.reset();
+    if (since < fact.since) {
+      m_loader->ids.changeOwn(value, text);
+      m_loader->renewLatest.bind(fact.since).bind(host).bind(place).step();
+    }
   }
 }
 

@@ -29,8 +29,16 @@ std::int64_t idOf(SqliteStatement& statement, std::uint64_t hash, std::string_vi
   return found;
 }
 
-std::string keyOf(std::string_view text) {
-  return text.size() > kKeyedAtMost ? std::string(text) : naturalKey(text);
+/// What natural order compares; nothing where that is the text.
+std::optional<std::string> keyOf(std::string_view text) {
+  std::string key = text.size() > kKeyedAtMost ? "" : naturalKey(text);
+  return key.empty() || key == text ? std::nullopt : std::optional(std::move(key));
+}
+
+/// Binds text, number and key, which has to stay until the statement has run.
+void putValue(SqliteStatement& statement, std::string_view text, const std::optional<std::string>& key) {
+  statement.bind(text).bind(numericValue(text));
+  key ? statement.bind(std::string_view(*key)) : statement.bindNull();
 }
 
 }  // namespace
@@ -44,6 +52,7 @@ SqliteIds::SqliteIds(SqliteConnection& connection)
       m_findValue(connection, "SELECT id, text FROM value WHERE hash = ?"),
       m_insertValue(connection,
                     "INSERT INTO value (hash, text, number, sorted) VALUES (?, ?, ?, ?) RETURNING id"),
+      m_changeValue(connection, "UPDATE value SET text = ?, number = ?, sorted = ? WHERE id = ?"),
       m_placeOf(connection, "SELECT hash, scope FROM place WHERE id = ?"),
       m_valueOf(connection, "SELECT hash FROM value WHERE id = ?"),
       m_places(kPlaces),
@@ -74,11 +83,20 @@ std::int64_t SqliteIds::place(const FleetPlace& place) {
   return m_places.keep(hash, known != 0 ? known : insertPlace(hash, place));
 }
 
-std::int64_t SqliteIds::insertValue(std::uint64_t hash, std::string_view text) {
-  const std::string key = keyOf(text);
-  const bool isSortedByItself = key == text;
-  m_insertValue.bind(static_cast<std::int64_t>(hash)).bind(text).bind(numericValue(text));
-  return idFrom(isSortedByItself ? m_insertValue.bindNull() : m_insertValue.bind(key));
+std::int64_t SqliteIds::insertValue(std::optional<std::int64_t> hash, std::string_view text) {
+  const std::optional<std::string> key = keyOf(text);
+  putValue(m_insertValue.bind(hash), text, key);
+  return idFrom(m_insertValue);
+}
+
+std::int64_t SqliteIds::ownValue(std::string_view text) {
+  return insertValue(std::nullopt, text);
+}
+
+void SqliteIds::changeOwn(std::int64_t value, std::string_view text) {
+  const std::optional<std::string> key = keyOf(text);
+  putValue(m_changeValue, text, key);
+  m_changeValue.bind(value).step();
 }
 
 std::int64_t SqliteIds::value(std::string_view text) {
@@ -87,7 +105,7 @@ std::int64_t SqliteIds::value(std::string_view text) {
     return *kept;
   }
   const std::int64_t known = idOf(m_findValue, hash, text);
-  return m_values.keep(hash, known != 0 ? known : insertValue(hash, text));
+  return m_values.keep(hash, known != 0 ? known : insertValue(static_cast<std::int64_t>(hash), text));
 }
 
 SqliteIds::PlaceHashes SqliteIds::placeHashes(std::int64_t id) {

@@ -49,6 +49,10 @@ class SqliteIds {
   std::int64_t place(const FleetPlace& place);
   std::int64_t value(std::string_view text);
 
+  /// A value that nobody shares, so that it can change.
+  std::int64_t ownValue(std::string_view text);
+  void changeOwn(std::int64_t value, std::string_view text);
+
   struct PlaceHashes {
     std::uint64_t text = 0, scope = 0;
   };
@@ -60,9 +64,10 @@ class SqliteIds {
 
  private:
   std::int64_t insertPlace(std::uint64_t hash, const FleetPlace& place);
-  std::int64_t insertValue(std::uint64_t hash, std::string_view text);
+  std::int64_t insertValue(std::optional<std::int64_t> hash, std::string_view text);
 
-  SqliteStatement m_findHost, m_insertHost, m_findPlace, m_insertPlace, m_findValue, m_insertValue;
+  SqliteStatement m_findHost, m_insertHost, m_findPlace, m_insertPlace, m_findValue, m_insertValue,
+      m_changeValue;
   SqliteStatement m_placeOf, m_valueOf;
   SlotCache<std::int64_t> m_places, m_values;  ///< by hash
   SlotCache<PlaceHashes> m_placeHashes;        ///< by number

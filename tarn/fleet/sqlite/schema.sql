@@ -2,7 +2,7 @@
 --
 -- fact: from `since` on the documents of `host` show `value` at `place`, or nothing (NULL), until the next row of that
 -- host and place. `void`: a document that came late shows that nothing changed here; the row before has that value, too.
--- latest: facts that change by themselves, the newest of each host and place.
+-- latest: facts that change by themselves, the newest of each host and place. Each has a value of its own, which changes.
 -- Moments are microseconds since 1970, UTC; what is below a second only keeps documents of one second apart.
 
 CREATE TABLE host (
@@ -22,12 +22,12 @@ CREATE INDEX place_pointer ON place (pointer);
 
 CREATE TABLE value (
   id INTEGER PRIMARY KEY,
-  hash INTEGER NOT NULL,  -- SipHash-2-4 of the text
+  hash INTEGER,  -- SipHash-2-4 of the text; NULL in a value of `latest`
   text TEXT NOT NULL,
   number REAL,            -- where the text is one
   sorted TEXT             -- what natural order compares, where that is not the text
 );
-CREATE INDEX value_hash ON value (hash);
+CREATE INDEX value_hash ON value (hash) WHERE hash IS NOT NULL;
 
 CREATE TABLE fact (
   host INTEGER NOT NULL,

@@ -8,9 +8,10 @@ WITH wanted AS (
   SELECT host, value, max(since) FROM fact WHERE place IN wanted GROUP BY place, host
   UNION ALL
   SELECT host, value, since FROM latest WHERE place IN wanted
-), counted AS (
-  SELECT value, count(DISTINCT host) AS hosts, count(*) AS facts FROM present WHERE value IS NOT NULL GROUP BY value
+), shown AS (
+  SELECT value.text, host FROM present JOIN value ON value.id = present.value  -- a fact that went away has none
 )
-SELECT value.text, hosts, facts
-FROM counted JOIN value ON value.id = counted.value
-ORDER BY hosts DESC, value.text;
+SELECT text, count(DISTINCT host) AS hosts, count(*)
+FROM shown
+GROUP BY text
+ORDER BY hosts DESC, text;
