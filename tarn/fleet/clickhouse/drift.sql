@@ -1,11 +1,11 @@
 -- Pointers whose facts changed since a moment, on how many hosts, and how often. A host's first document is no change.
 SELECT pointer, uniqExact(host) AS hosts, count()
 FROM (
-  SELECT pointer, place, host, since
+  SELECT pointer, host, since, sipHash64(place) AS key
   FROM fact
-  WHERE since >= toInt64({since})
-    AND (host, since) NOT IN (SELECT host, min(moment) FROM document WHERE host != '' AND problem = '' GROUP BY host)
-  GROUP BY pointer, place, host, since
+  PREWHERE since >= toInt64({since})
+  WHERE (host, since) NOT IN (SELECT host, min(moment) FROM document WHERE host != '' AND problem = '' GROUP BY host)
+  GROUP BY pointer, host, since, key
   HAVING argMax(void, version) = 0
 )
 GROUP BY pointer
