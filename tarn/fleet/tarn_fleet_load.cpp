@@ -16,6 +16,15 @@ namespace {
 constexpr std::size_t kDocuments = 1000, kFacts = 1'000'000, kBytes = 64 << 20;
 constexpr std::size_t kPlaceBytes = 64 << 20;  // places are put together anew then
 
+/// Documents as they were read, and what else there is to say of their files.
+struct LoadBatch {
+  std::vector<ReadDocument> documents;
+  std::vector<StoreTrouble> troubles;
+  std::shared_ptr<FleetPlaces> places;  ///< those of the documents
+  std::uint64_t unchanged = 0;
+  bool isLast = false;
+};
+
 /// Reads the store, a batch a call.
 class BatchReader {
  public:

@@ -45,7 +45,8 @@ struct FleetDocument {
 
   std::string state;  ///< `whole`, `cut`, `damaged`, `foreign`
   /// Why its facts are not taken; empty when they are. `not whole`, `no host`, `no time`, `future`, `large`,
-  /// `other host` (the server's log knows another name)
+  /// `other host` (the server's log knows another name), `same moment` (as
+  /// another document of the host)
   std::string problem;
   std::uint64_t line = 0, column = 0;  ///< of the trouble, 0 when there is none
 
