@@ -124,10 +124,8 @@ constexpr const char* kText =
     "(2026-11-21/102030-ID.json). A document that tells neither has them from the file's name and the "
     "log.\n\n"
     "A document that is not whole, has no host or no time, is from the future (more than a day), is larger "
-    "than 64 "
-    "MB, or which the log knows from another host, is recorded with its file, and its facts are not taken; "
-    "see fleet "
-    "hosts --problems.";
+    "than 64 MB or has more than a million values, or which the log knows from another host, is recorded "
+    "with its file, and its facts are not taken; see fleet hosts --problems.";
 
 }  // namespace
 
