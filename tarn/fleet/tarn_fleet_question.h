@@ -33,8 +33,8 @@ struct FleetCondition {
   std::string value;
 };
 /// One row a fact that meets the condition, by host, then place: host, place, value. `greater` and `less`
-/// compare numbers where the condition's value is one (values that are none do not meet it), else texts in
-/// natural order (1.9 before 1.10); see tarn_fleet_order.h.
+/// compare numbers where both are, else texts in natural order (1.9 before 1.10); where only the condition's
+/// value is a number, those that begin with a digit (15.0.18 beside 15). See tarn_fleet_order.h.
 FleetQuestion whereQuestion(const FleetCondition& condition);
 
 /// One row a value, the most frequent first, then by value: value, how many hosts show it at that pointer,

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <span>
 
@@ -69,12 +70,15 @@ void addCounts(const char* name, const char* title, const Counts& counts, JsonTe
   json.end();
 }
 
-void addHosts(const char* name, const FleetPage& fleet, bool isSilent, JsonText& json) {
+std::vector<FleetPage::Host> silentOf(const FleetPage& fleet) {
+  std::vector<FleetPage::Host> silent;
+  std::ranges::copy_if(fleet.hosts, std::back_inserter(silent), &FleetPage::Host::isSilent);
+  return silent;
+}
+
+void addHosts(const char* name, const std::vector<FleetPage::Host>& hosts, JsonText& json) {
   json.key(name).array();
-  for (const FleetPage::Host& host : fleet.hosts) {
-    if (isSilent && !host.isSilent) {
-      continue;
-    }
+  for (const FleetPage::Host& host : hosts) {
     json.object().member("Host", host.name).member("Last seen", host.time).member("State", stateOf(host));
     json.member("Engine", host.engine).member("Database", host.database);
     json.member("Answered", host.answered).member("Asked", host.asked);
@@ -104,16 +108,24 @@ void addProblems(const FleetPage& fleet, JsonText& json) {
   json.end();
 }
 
-/// The fleet as a document of tables.
+/// The fleet as a document of tables. One without rows would say that something did not answer.
 std::string documentOf(const FleetPage& fleet) {
   JsonText json;
   json.object();
-  addHosts("silent", fleet, true, json);
-  addDrift(fleet, json);
-  addCounts("engines", "Engine", countsOf(fleet.hosts, engineOf), json);
-  addCounts("states", "State", countsOf(fleet.hosts, stateOf), json);
-  addHosts("hosts", fleet, false, json);
-  addProblems(fleet, json);
+  if (const std::vector<FleetPage::Host> silent = silentOf(fleet); !silent.empty()) {
+    addHosts("silent", silent, json);
+  }
+  if (!fleet.drift.empty()) {
+    addDrift(fleet, json);
+  }
+  if (!fleet.hosts.empty()) {
+    addCounts("engines", "Engine", countsOf(fleet.hosts, engineOf), json);
+    addCounts("states", "State", countsOf(fleet.hosts, stateOf), json);
+    addHosts("hosts", fleet.hosts, json);
+  }
+  if (!fleet.problems.empty()) {
+    addProblems(fleet, json);
+  }
   return json.end().text();
 }
 
@@ -127,11 +139,6 @@ std::string figure(const std::string& title, const std::string& text) {
   return fmt::format("<div><dt>{}</dt><dd>{}</dd></div>\n", title, html(text));
 }
 
-std::uint64_t silentCount(const FleetPage& fleet) {
-  return static_cast<std::uint64_t>(std::count_if(fleet.hosts.begin(), fleet.hosts.end(),
-                                                  [](const FleetPage::Host& host) { return host.isSilent; }));
-}
-
 std::string headerOf(const FleetPage& fleet) {
   std::uint64_t documents = 0;
   for (const FleetPage::Host& host : fleet.hosts) {
@@ -139,7 +146,8 @@ std::string headerOf(const FleetPage& fleet) {
   }
   return "<header>\n<h1>Fleet</h1>\n<dl>\n" + figure("Made", fleet.made) +
          figure("Hosts", std::to_string(fleet.hosts.size())) +
-         figure(fmt::format("Silent for {} days", fleet.silentAfter), std::to_string(silentCount(fleet))) +
+         figure(fmt::format("Silent for {} days", fleet.silentAfter),
+                std::to_string(silentOf(fleet).size())) +
          figure("Changes since", fleet.since) + figure("Documents", std::to_string(documents)) +
          figure("Problems", std::to_string(fleet.problems.size())) + "</dl>\n</header>\n";
 }

@@ -21,6 +21,10 @@ number and by star; volatile facts, too.
   db1 32768 15.0.18
   db2 32768 15.0.18
   $ where '/databaseInfo/0/bufferpools[BPNAME=main]/NPAGES<9000'
+  $ where '/instanceInfo/version<15'
+  $ where '/instanceInfo/version>15' '/instanceInfo/version<16'
+  db1 15.0.18 15.0.18
+  db2 15.0.18 15.0.18
   $ where '/platformInfo/physMemFree>800000000' '*~MB'
   db1 900100200 max_connecti
   $ where '/instanceInfo/fixPack='

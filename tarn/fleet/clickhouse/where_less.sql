@@ -1,5 +1,6 @@
--- Facts that hold now and are less: as numbers when a number is asked for, else in natural order, by a key
--- in which a character that tells the length stands before each run of digits.
+-- Facts that hold now and are less: as numbers where both are, else in natural order, by a key in which a
+-- character that tells the length stands before each run of digits. Beside a number, natural order is for what begins
+-- with a digit: 15.0.18 beside 15.
 SELECT host, place, newest
 FROM (
   -- The newest row of each host and place.
@@ -14,10 +15,9 @@ FROM (
   GROUP BY pointer, place, host
 )
 WHERE holds = 1 AND place LIKE {like}
-  AND if({number} != '',
-    match(newest, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$')
-      AND toFloat64OrZero(newest) < toFloat64OrZero({number}),
-    arrayStringConcat(arrayMap(run -> concat(
+  AND if({number} != '' AND match(newest, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$'),
+    toFloat64OrZero(newest) < toFloat64OrZero({number}),
+    ({number} = '' OR match(newest, '^[0-9]')) AND arrayStringConcat(arrayMap(run -> concat(
       if(match(run, '^[0-9]'), reinterpretAsString(toUInt8(47 + least(length(run), 79))), ''), run),
-      extractAll(if({number} != '', '', newest), '[0-9]+|[^0-9]+'))) < {sorted})
+      extractAll(newest, '[0-9]+|[^0-9]+'))) < {sorted})
 ORDER BY host, place

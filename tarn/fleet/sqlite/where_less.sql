@@ -1,4 +1,5 @@
--- Facts that hold now and are less: as numbers when a number is asked for, else in natural order, by their key.
+-- Facts that hold now and are less: as numbers where both are, else in natural order, by their key. Beside a number,
+-- natural order is for what begins with a digit: 15.0.18 beside 15.
 WITH wanted AS (
   SELECT id FROM place WHERE pointer = {pointer} AND text GLOB {glob}
   UNION ALL
@@ -16,6 +17,7 @@ JOIN host ON host.id = present.host
 JOIN place ON place.id = present.place
 WHERE CASE {number}
     WHEN '' THEN coalesce(value.sorted, value.text) < {sorted}
-    ELSE value.number < CAST({number} AS REAL)
+    ELSE CASE WHEN value.number IS NOT NULL THEN value.number < CAST({number} AS REAL)
+      ELSE value.text GLOB '[0-9]*' AND coalesce(value.sorted, value.text) < {sorted} END
   END
 ORDER BY host.name, place.text;
