@@ -83,11 +83,15 @@ FleetProblem writeLocked(LoadBatch& batch, const LoadWatch& watch, FleetDatabase
     watch.waiting();
     return !watch.stopped();
   };
+  const LoadCounts before = *counts;
   FleetProblem problem = database.lock(waiting);
   if (!problem) {
     problem = writeBatch(batch.documents, database, counts);
     const FleetProblem left = database.unlock();
     problem = problem ? problem : left;
+  }
+  if (problem) {
+    *counts = before;
   }
   return problem;
 }
