@@ -21,10 +21,10 @@ std::optional<DocumentTime> dateOf(const std::string& text, Console& console) {
 }  // namespace
 
 void declareFleetDatabase(CLI::App& app, FleetOptions& options) {
-  app.add_option("--from,--db,--into", options.database,
-                 "The database, by the name that load has for it, too: a file, or "
-                 "clickhouse://HOST[:PORT]/DATABASE; when not given, TARN_FLEET of the "
-                 "environment")
+  app.add_option(
+         "--from,--db,--into", options.database,
+         "The database: a file, or clickhouse://HOST[:PORT]/DATABASE; when not given, TARN_FLEET of the "
+         "environment")
       ->type_name("DB")
       ->envname("TARN_FLEET")
       ->required();

@@ -50,7 +50,8 @@ constexpr Member<FleetTrouble> kProblemMembers[] = {
     {"state", "As above.", [](const FleetTrouble& trouble, JsonText& json) { json.element(trouble.state); }},
     {"problem",
      "\"not whole\", \"no host\", \"no time\", \"future\" (more than a day ahead of the loader's clock), "
-     "\"large\" (more than 64 MiB), or \"other host\" (the server's log knows another one).",
+     "\"large\" (more than 64 MiB, or than a million values), \"other host\" (the server's log knows another "
+     "one), or \"same moment\" (the host has another document of that very moment).",
      [](const FleetTrouble& trouble, JsonText& json) { json.element(trouble.problem); }},
     {"line", "Where a document that is not whole ends or breaks; null for others.",
      [](const FleetTrouble& trouble, JsonText& json) { json.element(trouble.line); }},

@@ -1,10 +1,10 @@
 #include "tarn/compare/tarn_compare_naming.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <numeric>
 #include <optional>
+
+#include "tarn/document/tarn_document_words.h"
 
 namespace tarn {
 
@@ -122,10 +122,6 @@ ColumnSet inferred(const Rows& rows, Trial& trial) {
     }
   }
   return best.set;
-}
-
-bool sameWord(std::string_view one, std::string_view other) {
-  return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
 /// The numbers of these columns; nothing when one is missing.

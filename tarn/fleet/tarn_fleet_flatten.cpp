@@ -1,11 +1,11 @@
 #include "tarn/fleet/tarn_fleet_flatten.h"
 
 #include <fmt/format.h>
-#include <strings.h>
 
 #include <algorithm>
 
 #include "tarn/document/tarn_document_siphash.h"
+#include "tarn/document/tarn_document_words.h"
 
 namespace tarn {
 
@@ -17,10 +17,6 @@ bool isContainer(const Node& node) {
 
 bool isCell(const Node& member) {
   return member.repeat == 1 && !isContainer(member);
-}
-
-bool sameWord(std::string_view one, std::string_view other) {
-  return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
 void appendCell(std::string_view column, std::string_view value, std::string& name) {

@@ -1,12 +1,11 @@
 #include "tarn/fleet/tarn_fleet_log.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 
+#include "tarn/document/tarn_document_words.h"
 #include "tarn/fleet/tarn_fleet_time.h"
 
 namespace tarn {
@@ -41,10 +40,6 @@ std::string_view machineOf(std::string_view header) {
 
 std::string_view firstLabel(std::string_view name) {
   return name.substr(0, name.find('.'));
-}
-
-bool sameWord(std::string_view one, std::string_view other) {
-  return one.size() == other.size() && strncasecmp(one.data(), other.data(), one.size()) == 0;
 }
 
 }  // namespace
