@@ -114,7 +114,7 @@ class BatchWriter {
       }
       for (const FlatFact& fact : (*document)->flat.latest) {
         latest[fact.place->hash] = {about.host, &fact.place->place, about.moment,
-                                    (*document)->flat.valueOf(fact), false};
+                                    (*document)->flat.valueOf(fact)};
       }
     }
     for (const auto& [place, fact] : latest) {
@@ -130,7 +130,8 @@ class BatchWriter {
         m_incomplete.push_back(m_batch.facts.size());
       }
       m_batch.facts.push_back({host, put.known == nullptr ? nullptr : &put.known->place, put.since,
-                               put.isThere ? std::optional(put.value) : std::nullopt, put.isVoid});
+                               put.isThere ? std::optional(put.value) : std::nullopt, put.isVoid,
+                               put.isNewest});
     }
   }
 

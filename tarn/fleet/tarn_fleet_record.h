@@ -67,6 +67,7 @@ struct FleetFact {
   std::optional<std::string_view> value;  ///< none: the place went away
   /// A document that came late shows that nothing changed here after all: the row before has the same value.
   bool isVoid = false;
+  bool isNewest = false;  ///< no row of that host and place is later
 };
 
 }  // namespace tarn

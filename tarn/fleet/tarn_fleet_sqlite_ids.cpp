@@ -35,13 +35,14 @@ std::optional<std::string> keyOf(std::string_view text) {
   return key.empty() || key == text ? std::nullopt : std::optional(std::move(key));
 }
 
-/// Binds text, number and key, which has to stay until the statement has run.
-void putValue(SqliteStatement& statement, std::string_view text, const std::optional<std::string>& key) {
-  statement.bind(text).bind(numericValue(text));
-  key ? statement.bind(std::string_view(*key)) : statement.bindNull();
-}
-
 }  // namespace
+
+ValueColumns::ValueColumns(std::string_view text) : m_text(text), m_sorted(keyOf(text)) {}
+
+void ValueColumns::bindTo(SqliteStatement& statement) const {
+  statement.bind(m_text).bind(numericValue(m_text));
+  m_sorted ? statement.bind(std::string_view(*m_sorted)) : statement.bindNull();
+}
 
 SqliteIds::SqliteIds(SqliteConnection& connection)
     : m_findHost(connection, "SELECT id FROM host WHERE name = ?"),
@@ -52,7 +53,6 @@ SqliteIds::SqliteIds(SqliteConnection& connection)
       m_findValue(connection, "SELECT id, text FROM value WHERE hash = ?"),
       m_insertValue(connection,
                     "INSERT INTO value (hash, text, number, sorted) VALUES (?, ?, ?, ?) RETURNING id"),
-      m_changeValue(connection, "UPDATE value SET text = ?, number = ?, sorted = ? WHERE id = ?"),
       m_placeOf(connection, "SELECT hash, scope FROM place WHERE id = ?"),
       m_valueOf(connection, "SELECT hash FROM value WHERE id = ?"),
       m_places(kPlaces),
@@ -83,20 +83,10 @@ std::int64_t SqliteIds::place(const FleetPlace& place) {
   return m_places.keep(hash, known != 0 ? known : insertPlace(hash, place));
 }
 
-std::int64_t SqliteIds::insertValue(std::optional<std::int64_t> hash, std::string_view text) {
-  const std::optional<std::string> key = keyOf(text);
-  putValue(m_insertValue.bind(hash), text, key);
+std::int64_t SqliteIds::insertValue(std::uint64_t hash, std::string_view text) {
+  const ValueColumns columns(text);
+  columns.bindTo(m_insertValue.bind(static_cast<std::int64_t>(hash)));
   return idFrom(m_insertValue);
-}
-
-std::int64_t SqliteIds::ownValue(std::string_view text) {
-  return insertValue(std::nullopt, text);
-}
-
-void SqliteIds::changeOwn(std::int64_t value, std::string_view text) {
-  const std::optional<std::string> key = keyOf(text);
-  putValue(m_changeValue, text, key);
-  m_changeValue.bind(value).step();
 }
 
 std::int64_t SqliteIds::value(std::string_view text) {
@@ -105,7 +95,7 @@ std::int64_t SqliteIds::value(std::string_view text) {
     return *kept;
   }
   const std::int64_t known = idOf(m_findValue, hash, text);
-  return m_values.keep(hash, known != 0 ? known : insertValue(static_cast<std::int64_t>(hash), text));
+  return m_values.keep(hash, known != 0 ? known : insertValue(hash, text));
 }
 
 SqliteIds::PlaceHashes SqliteIds::placeHashes(std::int64_t id) {

@@ -3,6 +3,8 @@
 /// What was asked for lately is remembered, in memory that does not grow.
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +40,19 @@ class SlotCache {
   std::vector<Slot> m_slots;
 };
 
+/// A value's text, number and key for natural order, to be bound to columns that stand in this order.
+class ValueColumns {
+ public:
+  /// The text has to stay.
+  explicit ValueColumns(std::string_view text);
+  /// Stays until the statement has run.
+  void bindTo(SqliteStatement& statement) const;
+
+ private:
+  std::string_view m_text;
+  std::optional<std::string> m_sorted;
+};
+
 class SqliteIds {
  public:
   explicit SqliteIds(SqliteConnection& connection);
@@ -48,10 +63,6 @@ class SqliteIds {
   std::int64_t host(std::string_view name);
   std::int64_t place(const FleetPlace& place);
   std::int64_t value(std::string_view text);
-
-  /// A value that nobody shares, so that it can change.
-  std::int64_t ownValue(std::string_view text);
-  void changeOwn(std::int64_t value, std::string_view text);
 
   struct PlaceHashes {
     std::uint64_t text = 0, scope = 0;
@@ -64,10 +75,9 @@ class SqliteIds {
 
  private:
   std::int64_t insertPlace(std::uint64_t hash, const FleetPlace& place);
-  std::int64_t insertValue(std::optional<std::int64_t> hash, std::string_view text);
+  std::int64_t insertValue(std::uint64_t hash, std::string_view text);
 
-  SqliteStatement m_findHost, m_insertHost, m_findPlace, m_insertPlace, m_findValue, m_insertValue,
-      m_changeValue;
+  SqliteStatement m_findHost, m_insertHost, m_findPlace, m_insertPlace, m_findValue, m_insertValue;
   SqliteStatement m_placeOf, m_valueOf;
   SlotCache<std::int64_t> m_places, m_values;  ///< by hash
   SlotCache<PlaceHashes> m_placeHashes;        ///< by number

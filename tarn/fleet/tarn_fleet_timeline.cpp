@@ -155,7 +155,8 @@ std::vector<HostTimeline::Put> HostTimeline::puts() const {
   for (const Row& row : m_rows) {
     if (row.isPut) {
       const Place& place = m_places[row.place];
-      Put put = {place.hash, place.known, row.since, row.value != 0, row.text, row.told, row.isVoid};
+      Put put = {place.hash, place.known, row.since,  row.value != 0,
+                 row.text,   row.told,    row.isVoid, &row == &m_rows[place.newest]};
       if (put.known == nullptr && put.told == 0) {
         put.told = storedRow(place);
       }

@@ -31,6 +31,7 @@ class HostTimeline {
     std::string_view value;  ///< of a document that was taken
     Moment told = 0;         ///< 0, or the moment of the row of this place that has the texts
     bool isVoid = false;
+    bool isNewest = false;  ///< of its place
     bool needsTexts() const { return told != 0 && (isThere || known == nullptr); }
   };
 

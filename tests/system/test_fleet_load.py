@@ -14,9 +14,11 @@ TRACED = Path(os.environ.get("MIREL_RELEASE_DIR", BUILD)) / "tarn"  # sanitizers
 HOSTS, DAYS = 40, 60
 ROWS = """SELECT host.name, place.text, since, value.text FROM fact JOIN host ON host.id = host JOIN place ON place.id = place
           LEFT JOIN value ON value.id = value WHERE NOT void ORDER BY 1, 2, 3"""
-LATEST = """SELECT host.name, place.text, since, value.text FROM latest JOIN host ON host.id = host
-            JOIN place ON place.id = place JOIN value ON value.id = value ORDER BY 1, 2"""
-DOCUMENTS = "SELECT file, hash, moment, host.name, problem FROM document LEFT JOIN host ON host.id = host ORDER BY 1"
+LATEST = """SELECT host.name, place.text, since, latest.text FROM latest JOIN host ON host.id = host
+            JOIN place ON place.id = place ORDER BY 1, 2"""
+DOCUMENTS = """SELECT value.text, file, document.hash, moment, host.name, problem FROM document
+               LEFT JOIN host ON host.id = host JOIN value ON value.id = folder ORDER BY 1, 2"""
+NEWEST = "SELECT place, host, value FROM (SELECT place, host, value, max(since) FROM fact GROUP BY 1, 2) WHERE value IS NOT NULL"
 
 
 def document(host, day, **members):
@@ -47,6 +49,7 @@ def load(database, *stores, tracing=()):
 def contents(database):
     with sqlite3.connect(database) as connection:
         assert connection.execute("PRAGMA integrity_check").fetchall() == [("ok",)]
+        assert connection.execute("SELECT * FROM present").fetchall() == connection.execute(NEWEST).fetchall()
         return [connection.execute(query).fetchall() for query in (ROWS, LATEST, DOCUMENTS)]
 
 
@@ -147,12 +150,12 @@ def test_what_is_wrong_is_told_and_harms_nothing(tmp_path):
     assert hosts == [("Good",), ("good",), ("packed",), ("x'); DROP TABLE fact; --",)]
 
 
-@pytest.mark.parametrize("content", [b"", b"no database", "other"])
+@pytest.mark.parametrize("content", [b"", b"no database", "CREATE TABLE fact (a)", "PRAGMA application_id = 0x7461726E; PRAGMA user_version = 1; CREATE TABLE fact (a)"])
 def test_only_a_fleet_is_written_to(tmp_path, content):
     database = tmp_path / "db"
-    if content == "other":
+    if isinstance(content, str):
         with sqlite3.connect(database) as other:
-            other.execute("CREATE TABLE fact (a)")
+            other.executescript(content)
     else:
         database.write_bytes(content)
     (tmp_path / "a.json").write_text(SAMPLE)

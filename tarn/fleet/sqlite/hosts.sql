@@ -9,8 +9,13 @@ WITH counted AS (
     (SELECT rowid FROM document WHERE host = counted.host ORDER BY moment DESC, hash DESC LIMIT 1)) AS document
   FROM counted
 )
-SELECT host.name, moment, file, state, problem, engine, version, database, answered, asked, documents
+SELECT host.name, moment, folder.text || file, state, problem, engine.text, version.text, database.text, answered, asked,
+  documents
 FROM newest
 JOIN document ON document.rowid = newest.document
 JOIN host ON host.id = document.host
+JOIN value AS folder ON folder.id = folder
+JOIN value AS engine ON engine.id = engine
+JOIN value AS version ON version.id = version
+JOIN value AS database ON database.id = database
 ORDER BY host.name;

@@ -3,16 +3,14 @@ WITH wanted AS (
   SELECT id FROM place WHERE pointer = {pointer} AND text GLOB {glob}
   UNION ALL
   SELECT id FROM place WHERE {pointer} = '*'
-), present AS (
-  -- The newest row of each host and place. SQLite takes the other columns from the row that max() found.
-  SELECT host, place, value, max(since) FROM fact WHERE place IN wanted GROUP BY place, host
+), shown AS (
+  SELECT host, place, text, number, sorted FROM present JOIN value ON value.id = present.value WHERE place IN wanted
   UNION ALL
-  SELECT host, place, value, since FROM latest WHERE place IN wanted
+  SELECT host, place, text, number, sorted FROM latest WHERE place IN wanted
 )
-SELECT host.name, place.text, value.text
-FROM present
-JOIN value ON value.id = present.value  -- a fact that went away has none
-JOIN host ON host.id = present.host
-JOIN place ON place.id = present.place
-WHERE instr(value.text, {value}) > 0
+SELECT host.name, place.text, shown.text
+FROM shown
+JOIN host ON host.id = shown.host
+JOIN place ON place.id = shown.place
+WHERE instr(shown.text, {value}) > 0
 ORDER BY host.name, place.text;

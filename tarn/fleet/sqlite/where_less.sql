@@ -4,20 +4,18 @@ WITH wanted AS (
   SELECT id FROM place WHERE pointer = {pointer} AND text GLOB {glob}
   UNION ALL
   SELECT id FROM place WHERE {pointer} = '*'
-), present AS (
-  -- The newest row of each host and place. SQLite takes the other columns from the row that max() found.
-  SELECT host, place, value, max(since) FROM fact WHERE place IN wanted GROUP BY place, host
+), shown AS (
+  SELECT host, place, text, number, sorted FROM present JOIN value ON value.id = present.value WHERE place IN wanted
   UNION ALL
-  SELECT host, place, value, since FROM latest WHERE place IN wanted
+  SELECT host, place, text, number, sorted FROM latest WHERE place IN wanted
 )
-SELECT host.name, place.text, value.text
-FROM present
-JOIN value ON value.id = present.value  -- a fact that went away has none
-JOIN host ON host.id = present.host
-JOIN place ON place.id = present.place
+SELECT host.name, place.text, shown.text
+FROM shown
+JOIN host ON host.id = shown.host
+JOIN place ON place.id = shown.place
 WHERE CASE {number}
-    WHEN '' THEN coalesce(value.sorted, value.text) < {sorted}
-    ELSE CASE WHEN value.number IS NOT NULL THEN value.number < CAST({number} AS REAL)
-      ELSE value.text GLOB '[0-9]*' AND coalesce(value.sorted, value.text) < {sorted} END
+    WHEN '' THEN coalesce(shown.sorted, shown.text) < {sorted}
+    ELSE CASE WHEN shown.number IS NOT NULL THEN shown.number < CAST({number} AS REAL)
+      ELSE shown.text GLOB '[0-9]*' AND coalesce(shown.sorted, shown.text) < {sorted} END
   END
 ORDER BY host.name, place.text;
