@@ -1,6 +1,6 @@
-// Writes the store of a fleet: mirel_bench_fleet STORE HOSTS DAYS. Documents of 24 KB as the collection
-// server keeps them, the same for the same numbers; one fact in a hundred changes a day, and what changes by
-// itself every day.
+// Writes a day of the store of a fleet: mirel_bench_fleet STORE HOSTS DAY. Documents of 24 KB as the
+// collection server keeps them, the same for the same numbers; one fact in a hundred changes a day, and what
+// changes by itself every day. The first day is 0.
 
 #include <fmt/format.h>
 
@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -37,14 +36,12 @@ std::string timeOf(std::int64_t seconds, const char* format) {
   return {text, std::strftime(text, sizeof text, format, &parts)};
 }
 
-/// One host, day by day.
+/// One host on one day.
 class Host {
  public:
-  explicit Host(std::uint64_t number) : m_number(number) {}
+  Host(std::uint64_t number, std::int64_t day) : m_number(number), m_day(day) {}
 
-  std::string document(std::int64_t day) {
-    m_day = day;
-    m_fact = 0;
+  std::string document() {
     m_text =
         "{\n  \"tarn_version\": \"1.1\",\n  \"template\": {\n    \"name\": \"default\",\n    \"version\": "
         "\"3\"\n  },\n";
@@ -77,12 +74,12 @@ class Host {
 
   /// How often the next fact has changed up to this day.
   std::uint64_t version() {
-    if (m_fact == m_versions.size()) {
-      m_versions.push_back(0);
-    } else if (chance(m_number, m_fact, static_cast<std::uint64_t>(m_day)) % kChange == 0) {
-      ++m_versions[m_fact];
+    std::uint64_t changes = 0;
+    for (std::uint64_t day = 1; day <= static_cast<std::uint64_t>(m_day); ++day) {
+      changes += chance(m_number, m_fact, day) % kChange == 0 ? 1 : 0;
     }
-    return m_versions[m_fact++];
+    ++m_fact;
+    return changes;
   }
   /// A number, and another one after each change.
   std::string count(std::uint64_t variety) {
@@ -194,10 +191,9 @@ class Host {
   }
 
   std::uint64_t m_number;
-  std::int64_t m_day = 0;
+  std::int64_t m_day;
   std::string m_text;
-  std::size_t m_fact = 0;
-  std::vector<std::uint64_t> m_versions;
+  std::uint64_t m_fact = 0;
 };
 
 bool write(const std::string& path, const std::string& text) {
@@ -210,22 +206,18 @@ bool write(const std::string& path, const std::string& text) {
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    fputs("mirel_bench_fleet STORE HOSTS DAYS\n", stderr);
+    fputs("mirel_bench_fleet STORE HOSTS DAY\n", stderr);
     return 2;
   }
   const std::string store = argv[1];
-  const std::int64_t days = std::atoll(argv[3]);
-  for (std::int64_t day = 0; day < days; ++day) {
-    std::filesystem::create_directories(store + "/" + timeOf(kFirstDay + day * kDay, "%F"));
-  }
-  for (std::uint64_t number = 1; number <= std::strtoull(argv[2], nullptr, 10); ++number) {
-    Host host(number);
-    for (std::int64_t day = 0; day < days; ++day) {
-      const std::string text = host.document(day);
-      if (!write(store + "/" + host.file(), text)) {
-        perror(host.file().c_str());
-        return 1;
-      }
+  const std::uint64_t hosts = std::strtoull(argv[2], nullptr, 10);
+  const std::int64_t day = std::atoll(argv[3]);
+  std::filesystem::create_directories(store + "/" + timeOf(kFirstDay + day * kDay, "%F"));
+  for (std::uint64_t number = 1; number <= hosts; ++number) {
+    Host host(number, day);
+    if (!write(store + "/" + host.file(), host.document())) {
+      perror(host.file().c_str());
+      return 1;
     }
   }
 }

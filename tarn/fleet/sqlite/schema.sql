@@ -70,8 +70,8 @@ CREATE TABLE document (
   problem TEXT NOT NULL,      -- why its facts were not taken; empty when they were
   line INTEGER NOT NULL,
   "column" INTEGER NOT NULL,
-  host_from TEXT,             -- log; NULL: the document itself
-  time_from TEXT,             -- file, log; NULL: the document itself
+  host_from TEXT,             -- log, empty when nothing tells; NULL: the document itself
+  time_from TEXT,             -- file, log, or empty; NULL: the document itself
   engine INTEGER NOT NULL,    -- these three are values, too
   version INTEGER NOT NULL,
   database INTEGER NOT NULL,
