@@ -32,12 +32,13 @@ SQLRETURN complain(const host::Complaint& complaint, short number, const Record&
 }
 
 /// Brings a message into one line: NULs inside it and line ends become blanks, those at its end go.
-/// `reported` is its length as the driver tells it; the buffer was all NULs before.
+/// `reported` is its length as the driver tells it; the buffer was all NULs before. A message that fits to
+/// the byte is whole: drivers tell more where they cut, or give the rest as the next record (PostgreSQL's).
 void makeOneLine(char* message, std::size_t size, short reported) {
   message[size - 1] = '\0';
   std::size_t length = std::clamp<std::size_t>(static_cast<std::size_t>(std::max<short>(reported, 0)),
                                                std::strlen(message), size - 1);
-  const bool isCut = length == size - 1;  // or it fits to the byte
+  const bool isCut = reported >= static_cast<short>(size);
   std::replace_if(
       message, message + length, [](char c) { return c == '\0' || (c >= '\t' && c <= '\r'); }, ' ');
   while (length > 0 && message[length - 1] == ' ') {

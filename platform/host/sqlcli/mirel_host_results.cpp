@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "platform/host/sqlcli/mirel_host_session.h"
 #include "platform/host/sqlcli/mirel_host_utf8.h"
@@ -58,6 +59,21 @@ SQLRETURN finishText(const ValueRequest& request) {
   return fits ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
+/// Whether a column's name has more bytes than these. SQLite's driver tells the length of what arrived, so it
+/// takes a larger buffer to see that.
+bool isLonger(Statement* statement, unsigned short column, std::size_t length) {
+  std::vector<char> name(length + 2);
+  short told = 0;
+  short type = 0;
+  unsigned long columnSize = 0;
+  short digits = 0;
+  short nullable = 0;
+  statement->noted(odbc().describeCol(statement->native, column, host::odbcText(name.data()),
+                                      static_cast<short>(name.size()), &told, &type, &columnSize, &digits,
+                                      &nullable));
+  return name[length] != '\0';
+}
+
 /// The product's spelling of a column name.
 void spellName(const Statement& statement, char* name, std::size_t length) {
   if (!statement.connection->engine.reportsUpperCase && !statement.quotedNames.include({name, length})) {
@@ -92,12 +108,13 @@ SQLRETURN SQLDescribeCol(SQLHANDLE handle, unsigned short column, char* name, sh
   }
   name[size - 1] = '\0';
   std::size_t length = std::strlen(name);
-  if (*nameLength >= nameSize || length == size - 1) {  // some drivers tell the length of what arrived
+  const bool isCut = *nameLength >= nameSize || (length == size - 1 && isLonger(statement, column, length));
+  if (isCut) {
     length = host::wholeCharacters(name);
     name[length] = '\0';
   }
   spellName(*statement, name, length);
-  return *nameLength >= nameSize ? SQL_SUCCESS_WITH_INFO : code;
+  return isCut ? SQL_SUCCESS_WITH_INFO : code;
 }
 
 SQLRETURN SQLFetch(SQLHANDLE handle) {
