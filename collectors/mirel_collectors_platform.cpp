@@ -1,6 +1,7 @@
 #include "collectors/mirel_collectors_platform.h"
 
 #include "collectors/mirel_collectors_system.h"
+#include "common/mirel_common_memory.h"
 #include "platform/services.h"
 
 namespace {
@@ -65,6 +66,12 @@ mirel_string answer(const Group& group, const Item<Record> (&items)[count], cons
   return answerOf(items, group.record, item, otherwise);
 }
 
+/// What there is no memory for stays unknown, and costs no other group.
+template <class Query, class Group>
+void ask(const Query& query, Group* group) {
+  MemoryWatch::during([&] { group->code = query(&group->record); });
+}
+
 }  // namespace
 
 PlatformCollector::PlatformCollector() {
@@ -76,11 +83,11 @@ PlatformCollector::PlatformCollector() {
 
 void PlatformCollector::collect() {
   ossSysInfoOneTimeOnly();
-  m_os.code = ossGetOSInfo(&m_os.record);
-  m_cpu.code = ossGetCPUInfo(&m_cpu.record);
-  m_memory.code = ossGetPhysMemInfo(&m_memory.record);
-  m_virtualMemory.code = ossGetVirtualMemInfo(&m_virtualMemory.record);
-  m_swap.code = ossGetPhysSwapInfo(&m_swap.record);
+  ask(ossGetOSInfo, &m_os);
+  ask(ossGetCPUInfo, &m_cpu);
+  ask(ossGetPhysMemInfo, &m_memory);
+  ask(ossGetVirtualMemInfo, &m_virtualMemory);
+  ask(ossGetPhysSwapInfo, &m_swap);
   const OSSDiskInfoParam root = {OSS_VERSION_STAMP, "/", 1, -1};
   m_disk.code = ossGetDiskInfo(&root, &m_disk.record);
 }

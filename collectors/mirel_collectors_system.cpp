@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "common/mirel_common_builder.h"
+#include "common/mirel_common_memory.h"
 
 namespace {
 
@@ -64,9 +65,10 @@ mirel_string getDbPath(const mirel_string& globalPath) {
 }
 
 long getDbCfd(const mirel_string& database, sqlf_dbcfd* configuration) {
+  const MemoryWatch memory;
   const mirel_string file = getDbPath(getGdbPath(database)) + "SQLDBCONF";
   int handle = -1;
-  if (sqloopenp(file.c_str(), kOpenExisting, 0640, &handle, 0, 1) == 0) {
+  if (!memory.ranOut() && sqloopenp(file.c_str(), kOpenExisting, 0640, &handle, 0, 1) == 0) {
     unsigned long received = 0;
     sqloread(handle, sizeof *configuration, configuration, &received);
   }

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr char kRule[] = "------------------------------";
+/// The code of a path that was lost for want of memory.
+constexpr unsigned int kNoPath = ~0U;
 
 mirel_string download(const mirel_string& host, unsigned long port) {
   sqloPdbCommFncInit();
@@ -54,7 +56,7 @@ void writeResult(const mirel_string& result, bool send, const mirel_string& host
   if (print) {
     std::cout << result << std::endl;
   }
-  if (outfile.length() > 0) {
+  if (outfile.length() > 0 || outfile.lost()) {
     save(result, outfile);
   }
 }
@@ -63,7 +65,7 @@ unsigned int writeToFile(const mirel_string& path, const mirel_string& text) {
   const OSSFileOpenParam forWriting = {OSS_VERSION_STAMP, path.c_str(), 16, 2, 1, 0644, 0};
   const OSSFileWriteParam whole = {OSS_VERSION_STAMP, text.c_str(), text.length(), 0};
   OSSHFile file;
-  const unsigned int opened = file.open(&forWriting);
+  const unsigned int opened = path.lost() ? kNoPath : file.open(&forWriting);
   if (opened != 0) {
     return opened;
   }

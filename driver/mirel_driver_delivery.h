@@ -8,7 +8,8 @@
 mirel_string readConfig(bool send, const mirel_string& host, unsigned long port);
 
 /// With `send`, posts the result to "/tarn", prints the response and ends the socket layer; otherwise prints
-/// the result if asked to, and writes it to `outfile` unless that is empty. All texts go to standard output.
+/// the result if asked to, and writes it to `outfile` unless that is empty; a lost one counts as a file that
+/// cannot be written. All texts go to standard output.
 void writeResult(const mirel_string& result, bool send, const mirel_string& host, unsigned long port,
                  bool print, const mirel_string& outfile);
 

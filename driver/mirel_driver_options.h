@@ -21,8 +21,8 @@ struct RunSettings {
   bool send = false;
   bool support = false;  ///< without it nothing is collected
 
-  /// Whether memory ran out for one that tells the run where to go.
-  bool lost() const { return host.lost() || database.lost() || outfile.lost(); }
+  /// Whether for want of memory nobody knows whom to ask for the template.
+  bool lost() const { return send && host.lost(); }
 };
 
 /// Reads the command line into `*settings`. Unknown options are told on standard output and skipped.

@@ -30,9 +30,14 @@ struct SocketsInUse {
   }
 };
 
+void tellIfLost(const MemoryWatch& memory) {
+  if (memory.ranOut()) {
+    memory.tell();
+  }
+}
+
 /// From the template to the delivered result. What the settings tell of the customer and the database changes
-/// hands: it is not lost on the way. Nothing is delivered where memory ran out for anything but the members
-/// that the walk tells.
+/// hands: it is not lost on the way.
 void collect(RunSettings* settings, const MemoryWatch& memory, CustomerCollector* customer,
              JsonParser* parser, Generator* generator) {
   setCustomer(customer, settings);
@@ -47,18 +52,13 @@ void collect(RunSettings* settings, const MemoryWatch& memory, CustomerCollector
     return;
   }
   generator->set(std::move(settings->database), customer);
+  tellIfLost(memory);
   root->accept(*generator);
   hideWork();
   const mirel_string result = root->stringify(0);
   if (!memory.ranOut()) {
     sockets.inUse = false;
     writeResult(result, settings->send, settings->host, settings->port, true, settings->outfile);
-  }
-}
-
-void tellIfLost(const MemoryWatch& memory) {
-  if (memory.ranOut()) {
-    memory.tell();
   }
 }
 

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 #include "collectors/mirel_collectors_native.h"
 #include "collectors/mirel_collectors_system.h"
+#include "common/mirel_common_console.h"
 #include "common/mirel_common_memory.h"
 #include "generator/mirel_generator_walk.h"
 
@@ -17,39 +19,6 @@ unsigned long runsOfBlanks(const mirel_string& text) {
   }
   return runs;
 }
-
-struct Command {
-  const char* word;
-  void (*run)(Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair* pair);
-  /// What it leaves where memory runs out.
-  void (*lose)(PrimitiveValue* primitive, KeyValuePair* pair);
-};
-
-void leaveEmpty(PrimitiveValue* primitive, KeyValuePair*) {
-  primitive->setText("");
-}
-
-void leaveNothing(PrimitiveValue*, KeyValuePair* pair) {
-  pair->setValue(nullptr);
-}
-
-constexpr Command kCommands[] = {
-    {"native",
-     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
-       generator.native(rest, primitive);
-     },
-     leaveEmpty},
-    {"execute",
-     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
-       generator.execute(rest, primitive);
-     },
-     leaveEmpty},
-    {"sql",
-     [](Generator& generator, const mirel_string& rest, PrimitiveValue*, KeyValuePair* pair) {
-       pair->setValue(generator.sql(rest));
-     },
-     leaveNothing},
-};
 
 /// What "sql" is followed by, and who answers the rest.
 struct SqlKind {
@@ -98,27 +67,61 @@ const char* Generator::behind(const char* text, const char* word) {
   return isFirst ? first + length + strspn(first + length, " ") : nullptr;
 }
 
-bool Generator::isCommand(const char* text) {
-  return std::any_of(std::begin(kCommands), std::end(kCommands),
-                     [text](const Command& command) { return behind(text, command.word) != nullptr; });
+struct Generator::Command {
+  const char* word;
+  void (*run)(Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair* pair);
+  /// What it leaves where memory runs out.
+  void (*lose)(KeyValuePair* pair);
+};
+
+const Generator::Command Generator::s_commands[] = {
+    {"native",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
+       generator.native(rest, primitive);
+     },
+     [](KeyValuePair* pair) { pair->setEmpty(); }},
+    {"execute",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue* primitive, KeyValuePair*) {
+       generator.execute(rest, primitive);
+     },
+     [](KeyValuePair* pair) { pair->setEmpty(); }},
+    {"sql",
+     [](Generator& generator, const mirel_string& rest, PrimitiveValue*, KeyValuePair* pair) {
+       pair->setValue(generator.sql(rest));
+     },
+     [](KeyValuePair* pair) { pair->setValue(nullptr); }},
+};
+
+const Generator::Command* Generator::commandOf(const char* text) {
+  const auto* const found =
+      std::find_if(std::begin(s_commands), std::end(s_commands),
+                   [text](const Command& command) { return behind(text, command.word) != nullptr; });
+  return found == std::end(s_commands) ? nullptr : found;
+}
+
+void Generator::evaluate(KeyValuePair* pair, const char* text) {
+  const Command* const command = commandOf(text);
+  if (command == nullptr) {
+    return;
+  }
+  showWork(pair->getKey().c_str());
+  const MemoryWatch memory;
+  MemoryWatch::during([&] { parseAndExecute(static_cast<PrimitiveValue*>(pair->getValue()), pair); });
+  if (memory.ranOut()) {
+    command->lose(pair);
+    memory.tell();
+  }
 }
 
 void Generator::parseAndExecute(PrimitiveValue* primitive, KeyValuePair* pair) {
-  for (const Command& command : kCommands) {
-    if (const char* rest = behind(primitive->text().c_str(), command.word)) {
-      const MemoryWatch memory;
-      MemoryWatch::during([&] { command.run(*this, rest, primitive, pair); });
-      if (memory.ranOut()) {
-        command.lose(primitive, pair);
-        memory.tell();
-      }
-      return;
-    }
+  const char* const text = primitive->text().c_str();
+  if (const Command* const command = commandOf(text)) {
+    command->run(*this, behind(text, command->word), primitive, pair);
   }
 }
 
 ItemWords Generator::commandWords() {
-  return wordsOf(kCommands);
+  return wordsOf(s_commands);
 }
 
 void Generator::native(const mirel_string& rest, PrimitiveValue* primitive) {

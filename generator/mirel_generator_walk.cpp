@@ -1,6 +1,8 @@
 #include "generator/mirel_generator_walk.h"
 
+#include <cstring>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "common/mirel_common_console.h"
@@ -8,9 +10,13 @@
 
 namespace {
 
+std::string_view firstWord(const char* text) {
+  return {text, strcspn(text, " ")};
+}
+
 /// The key that the third word of a "$foreach" key names: the brackets, or whatever stands there, go.
-mirel_string withoutBrackets(const mirel_string& word) {
-  return word.length() < 2 ? "" : word.substr(1, word.length() - 2);
+std::string_view withoutBrackets(std::string_view word) {
+  return word.size() < 2 ? "" : word.substr(1, word.size() - 2);
 }
 
 }  // namespace
@@ -18,13 +24,15 @@ mirel_string withoutBrackets(const mirel_string& word) {
 void Generator::set(mirel_string database, CustomerCollector* customer) {
   if (database.length() > 1) {
     showWork("connecting");
-    if (sqlSucceeded(m_connection.connect(database))) {
-      m_databaseName = std::move(database);
-    }
+    MemoryWatch::during([&] {
+      if (sqlSucceeded(m_connection.connect(database))) {
+        m_databaseName = std::move(database);
+      }
+    });
   }
   m_customer = customer;
   showWork("taking the facts of the host");
-  m_instance.collect();
+  MemoryWatch::during([&] { m_instance.collect(); });
   m_platform.collect();
   m_customer->collect();
 }
@@ -49,22 +57,21 @@ void Generator::visit(ArrayValue* array) {
 }
 
 void Generator::visit(KeyValuePair* pair) {
-  if (behind(pair->getKey().c_str(), "$foreach") != nullptr) {
-    const std::vector<mirel_string> words = split_args(pair->getKey(), mirel_string::npos);
-    if (words.size() >= 3) {
-      expand(pair, words[1], withoutBrackets(words[2]));
+  if (const char* const variable = behind(pair->getKey().c_str(), "$foreach")) {
+    const std::string_view word = firstWord(variable);
+    if (const char* const rest = word.data() + word.size(); *rest == ' ') {
+      expand(pair, word, withoutBrackets(firstWord(rest + strspn(rest, " "))));
       return;
     }
   }
   // Most members say something themselves: no node is made of these texts.
-  const char* const text = pair->plainText();
-  if (text != nullptr && !isCommand(text)) {
+  if (const char* const text = pair->plainText()) {
+    evaluate(pair, text);
     return;
   }
-  Value* value = pair->getValue();
-  if (auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
-    showWork(pair->getKey().c_str());
-    parseAndExecute(primitive, pair);
+  Value* const value = pair->getValue();
+  if (const auto* primitive = dynamic_cast<PrimitiveValue*>(value)) {
+    evaluate(pair, primitive->text().c_str());
   } else if (value != nullptr) {
     value->accept(*this);
   }
@@ -85,19 +92,32 @@ ItemWords Generator::foreachVariables() {
   return wordsOf(s_variables);
 }
 
-void Generator::expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey) {
-  auto copies = std::make_unique<ArrayValue>();
-  for (const Variable& row : s_variables) {
-    if (!variable.lost() && variable == row.word && (m_databaseName.length() > 0 || !row.needsDatabase)) {
-      copies->push_back((this->*row.copy)(pair));
-    }
+/// Keys are the tree itself: where there is no memory for one, nothing is evaluated in vain, and the loss
+/// stays untold for who would use the tree.
+void Generator::expand(KeyValuePair* pair, std::string_view variable, std::string_view outputKey) {
+  mirel_string key(outputKey.data(), outputKey.size());
+  if (key.lost()) {
+    return;
   }
-  pair->setKey(std::move(outputKey));
-  pair->setValue(copies.release());
+  const MemoryWatch memory;
+  MemoryWatch::during([&] {
+    auto copies = std::make_unique<ArrayValue>();
+    for (const Variable& row : s_variables) {
+      if (variable == row.word && (m_databaseName.length() > 0 || !row.needsDatabase)) {
+        copies->push_back((this->*row.copy)(pair));
+      }
+    }
+    pair->setValue(copies.release());
+  });
+  if (memory.ranOut()) {
+    pair->setEmpty();
+    memory.tell();
+  }
+  pair->setKey(std::move(key));
 }
 
 /// The directory entry lives as long as the evaluation that asks about it. Of a database that has lost its
-/// name nothing is asked.
+/// name, or the way to its configuration, nothing is asked.
 Value* Generator::runForDatabase(const KeyValuePair* pair) {
   const MemoryWatch memory;
   katoDbDirInfoV9 entry = {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string_view>
 #include <vector>
 
 #include "collectors/mirel_collectors_customer.h"
@@ -21,12 +22,13 @@
 /// becomes NAME, with an array of evaluated copies of the member's value: one copy for "db" when a database
 /// is connected, one for "table", none otherwise.
 ///
-/// Where memory runs out during a command, its member becomes the empty text (a query's: no value), standard
-/// error says so in a line, and the walk goes on. Where it runs out for a copy, the tree is not to be used.
+/// Where memory runs out for a member, that member becomes the empty text (a query's: no value), standard
+/// error says so in a line, and the walk goes on. The members of a copy are members of their own. A key that
+/// there is no memory for is not told: then the tree is not to be used, as a `MemoryWatch` shows.
 class Generator final : public JsonVisitor {
  public:
   /// Connects to the database when its name has more than one character, then lets all collectors take
-  /// their facts. The customer collector is not owned.
+  /// their facts. The customer collector is not owned. Without memory it goes on with what it has.
   void set(mirel_string database, CustomerCollector* customer);
 
   void visit(Value* value) override;
@@ -58,13 +60,18 @@ class Generator final : public JsonVisitor {
   static ItemWords foreachVariables();
 
  private:
+  struct Command;
+  static const Command s_commands[];
+  static const Command* commandOf(const char* text);
+
   struct Variable;
   static const Variable s_variables[];
 
   /// What follows the first word of a text of several words, if it is this one; else null.
   static const char* behind(const char* text, const char* word);
-  static bool isCommand(const char* text);
-  void expand(KeyValuePair* pair, const mirel_string& variable, mirel_string outputKey);
+  /// Evaluates the pair's text, if it is a command.
+  void evaluate(KeyValuePair* pair, const char* text);
+  void expand(KeyValuePair* pair, std::string_view variable, std::string_view outputKey);
   Value* runForDatabase(const KeyValuePair* pair);
 
   mirel_string m_databaseName = mirel_string::within("", 0);  ///< empty unless connected

@@ -29,7 +29,7 @@ mirel_string HttpClient::get(const mirel_string& path) {
   request.append(" HTTP/1.1\r\nHost: ");
   request.append(m_localName);
   request.append("\r\n\r\n");
-  mirel_string response = exchange(request.take(), "");
+  mirel_string response = exchange(request.take(), mirel_string::within("", 0));
   // Not found plus 4 is position 3.
   const unsigned long body = response.find("\r\n\r\n", 0) + 4;
   return std::move(response).substr(body, mirel_string::npos);
@@ -48,7 +48,7 @@ mirel_string HttpClient::post(const mirel_string& path, const mirel_string& body
 }
 
 mirel_string HttpClient::exchange(const mirel_string& head, const mirel_string& body) {
-  if (head.lost() || !m_socket.open(m_host, m_port)) {
+  if (head.lost() || m_host.lost() || !m_socket.open(m_host, m_port)) {
     return "";
   }
   // Also when the request did not go out whole: the server may have said why.

@@ -11,6 +11,7 @@
 namespace {
 
 char s_plainText;
+char s_emptyText;
 
 /// What the bits for a text's length can tell.
 constexpr unsigned int kLongestPlain = 0x7fff'ffff;
@@ -25,6 +26,7 @@ char* put(char* to, std::string_view text) {
 }  // namespace
 
 Value* const KeyValuePair::kPlainText = reinterpret_cast<Value*>(&s_plainText);
+Value* const KeyValuePair::kEmptyText = reinterpret_cast<Value*>(&s_emptyText);
 
 KeyValuePair::KeyValuePair(mirel_string key, Value* value) : m_key(std::move(key)), m_value(value) {}
 
@@ -59,7 +61,7 @@ KeyValuePair::~KeyValuePair() {
 
 KeyValuePair* KeyValuePair::clone() const {
   if (isPlain()) {
-    return of(key(), text(), plain().unescaped);
+    return of(key(), text(), isUnescaped());
   }
   std::unique_ptr<KeyValuePair> copy(of(key()));
   copy->m_value = m_value == nullptr ? nullptr : m_value->clone();
@@ -67,7 +69,9 @@ KeyValuePair* KeyValuePair::clone() const {
 }
 
 void KeyValuePair::setKey(mirel_string key) {
-  getValue();  // what is known of the plain text was known of the former key, too
+  if (isUnescaped()) {
+    getValue();  // that was known of the former key, too
+  }
   m_key = std::move(key);
 }
 
@@ -83,6 +87,10 @@ void KeyValuePair::setValue(Value* value) {
     delete m_value;
   }
   m_value = value;
+}
+
+void KeyValuePair::setEmpty() {
+  setValue(kEmptyText);
 }
 
 Value* KeyValuePair::releaseValue() {

@@ -40,9 +40,11 @@ class KeyValuePair final : public NodeBlock {
   void setKey(mirel_string key);
   Value* getValue() const;
   /// The value while it is no node but a text; else null.
-  const char* plainText() const { return isPlain() ? plain().text() : nullptr; }
+  const char* plainText() const { return isPlain() ? text().data() : nullptr; }
   /// Deletes the former value and takes the new one over.
   void setValue(Value* value);
+  /// Deletes the value; the empty text takes its place, which needs no memory.
+  void setEmpty();
   /// Hands the value to the caller; the pair is left without one.
   Value* releaseValue();
 
@@ -59,13 +61,17 @@ class KeyValuePair final : public NodeBlock {
     const char* text() const { return reinterpret_cast<const char*>(this + 1); }
   };
 
-  bool isPlain() const { return m_value == kPlainText; }
+  bool isPlain() const { return m_value == kPlainText || m_value == kEmptyText; }
   const PlainText& plain() const { return *reinterpret_cast<const PlainText*>(this + 1); }
-  std::string_view text() const { return {plain().text(), plain().length}; }
+  bool isUnescaped() const { return m_value == kPlainText && plain().unescaped; }
+  std::string_view text() const {
+    return m_value == kPlainText ? std::string_view(plain().text(), plain().length) : "";
+  }
   std::string_view key() const { return {m_key.c_str(), m_key.length()}; }
 
-  /// Stands for a value that is still a text behind the pair.
+  /// Stand for a value that is still a text behind the pair, and for one that is the empty text.
   static Value* const kPlainText;
+  static Value* const kEmptyText;
 
   mirel_string m_key;
   mutable Value* m_value;

@@ -159,7 +159,7 @@ void PrimitiveValue::write(mirel_string_builder& out, unsigned long) const {
 }
 
 void KeyValuePair::write(mirel_string_builder& out, unsigned long indent) const {
-  if (isPlain() && plain().unescaped) {
+  if (isUnescaped()) {
     appendAsIs(out, indent, key(), text());
     return;
   }
