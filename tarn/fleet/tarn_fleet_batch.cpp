@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <deque>
-#include <set>
+#include <map>
 #include <unordered_map>
 
 #include "tarn/fleet/tarn_fleet_timeline.h"
@@ -28,37 +28,37 @@ class BatchWriter {
  private:
   using Documents = std::vector<ReadDocument*>;
 
-  /// A document that is known, or that this batch has twice, is in another file now.
+  /// A document that is known, or that this batch has twice, is in another file now, or in one more.
   FleetProblem leaveOutKnown() {
     std::vector<DocumentHash> hashes;
     for (const ReadDocument& document : m_documents) {
       hashes.push_back(document.about.hash);
     }
-    std::vector<std::size_t> known;
-    if (FleetProblem problem = m_database.known(hashes, &known)) {
-      return problem;
-    }
-    std::set<DocumentHash> had;
-    for (const std::size_t at : known) {
-      had.insert(hashes[at]);
+    std::vector<KnownDocument> known;
+    FleetProblem problem = m_database.known(hashes, &known);
+    std::map<DocumentHash, std::string> files;
+    for (const KnownDocument& document : known) {
+      files[hashes[document.number]] = document.file;
     }
     for (ReadDocument& document : m_documents) {
-      if (had.insert(document.about.hash).second) {
+      const auto [file, isNew] = files.try_emplace(document.about.hash, document.about.file);
+      if (isNew) {
         m_new.push_back(&document);
-      } else {
-        m_moved.push_back(&document);
+      } else if (!problem) {
+        problem = takeFile(document.about, &file->second);
       }
     }
-    m_counts->known += m_moved.size();
-    return move();
+    return problem;
   }
 
-  FleetProblem move() {
-    FleetProblem problem;
-    for (auto document = m_moved.begin(); document != m_moved.end() && !problem; ++document) {
-      problem = m_database.moved((*document)->about);
+  /// `file` is where the document was found before.
+  FleetProblem takeFile(const FleetDocument& document, std::string* file) {
+    ++m_counts->known;
+    if (*file != document.file && isThere(*file)) {
+      return m_database.copied({document.seen, *file});
     }
-    return problem;
+    *file = document.file;
+    return m_database.moved(document);
   }
 
   /// Those with facts come by host, then by moment.
@@ -161,7 +161,7 @@ class BatchWriter {
   std::vector<ReadDocument>& m_documents;
   FleetDatabase& m_database;
   LoadCounts* m_counts;
-  Documents m_new, m_moved, m_taken;
+  Documents m_new, m_taken;
   std::vector<HostWanted> m_hosts;
   HostTimeline m_timeline;
   FleetBatch m_batch;

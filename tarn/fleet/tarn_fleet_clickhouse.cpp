@@ -139,6 +139,7 @@ FleetProblem ClickhouseDatabase::lock(const std::function<bool()>& waiting) {
 
 FleetProblem ClickhouseDatabase::unlock() {
   FleetProblem problem = writeMoved();
+  problem = problem ? problem : writeCopies();
   FleetProblem other = told(m_claim.giveBack());
   return problem ? problem : other;
 }

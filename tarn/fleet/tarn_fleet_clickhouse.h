@@ -28,11 +28,13 @@ class ClickhouseDatabase : public FleetDatabase {
   FleetProblem lock(const std::function<bool()>& waiting) override;
   FleetProblem unlock() override;
   FleetProblem seenFiles(std::unordered_set<std::int64_t>* seen) override;
-  FleetProblem known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) override;
+  FleetProblem copies(std::vector<FleetCopy>* copies) override;
+  FleetProblem known(std::span<const DocumentHash> hashes, std::vector<KnownDocument>* known) override;
   FleetProblem read(std::span<const HostWanted> hosts, std::vector<HostHistory>* histories) override;
   FleetProblem texts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts) override;
   FleetProblem write(const FleetBatch& batch) override;
   FleetProblem moved(const FleetDocument& document) override;
+  FleetProblem copied(const FleetCopy& copy) override;
   FleetProblem ask(const FleetQuestion& question, const TakeRow& take) override;
   std::string sql(const FleetQuestion& question) const override;
 
@@ -51,11 +53,13 @@ class ClickhouseDatabase : public FleetDatabase {
   FleetProblem readTexts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts);
   FleetProblem makeTables();
   FleetProblem writeMoved();
+  FleetProblem writeCopies();
 
   FleetHttp m_http;
   FleetClaim m_claim;
   std::string m_database;
   std::vector<MovedDocument> m_moved;
+  std::vector<FleetCopy> m_copies;
 };
 
 }  // namespace tarn

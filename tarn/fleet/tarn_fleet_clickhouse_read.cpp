@@ -80,8 +80,18 @@ FleetProblem ClickhouseDatabase::seenFiles(std::unordered_set<std::int64_t>* see
   return told(problem);
 }
 
+FleetProblem ClickhouseDatabase::copies(std::vector<FleetCopy>* copies) {
+  std::string answer;
+  const HttpOutcome problem = answerOf(&m_http, clickhouseStatement("copies"), &answer);
+  for (RowBinaryReader reader(answer); !reader.atEnd();) {
+    const auto seen = reader.number<std::int64_t>();
+    copies->push_back({seen, std::string(reader.text())});
+  }
+  return told(problem);
+}
+
 FleetProblem ClickhouseDatabase::known(std::span<const DocumentHash> hashes,
-                                       std::vector<std::size_t>* known) {
+                                       std::vector<KnownDocument>* known) {
   known->clear();
   if (hashes.empty()) {
     return std::nullopt;
@@ -90,13 +100,14 @@ FleetProblem ClickhouseDatabase::known(std::span<const DocumentHash> hashes,
       listOf(hashes, [](const DocumentHash& hash) { return clickhouseLiteral(bytesOf(hash)); });
   std::string answer;
   const HttpOutcome problem = answerOf(&m_http, clickhouseStatement("known", {{"hashes", list}}), &answer);
-  std::unordered_set<std::string_view> found;
+  std::unordered_map<std::string_view, std::string_view> files;
   for (RowBinaryReader reader(answer); !reader.atEnd();) {
-    found.insert(reader.fixed(DocumentHash().size()));
+    const std::string_view hash = reader.fixed(DocumentHash().size());
+    files[hash] = reader.text();
   }
   for (std::size_t at = 0; at < hashes.size(); ++at) {
-    if (found.contains(bytesOf(hashes[at]))) {
-      known->push_back(at);
+    if (const auto found = files.find(bytesOf(hashes[at])); found != files.end()) {
+      known->push_back({at, std::string(found->second)});
     }
   }
   return told(problem);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "tarn/document/tarn_document_siphash.h"
 #include "tarn/fleet/tarn_fleet_clickhouse.h"
@@ -128,6 +129,19 @@ FleetProblem ClickhouseDatabase::write(const FleetBatch& batch) {
 FleetProblem ClickhouseDatabase::moved(const FleetDocument& document) {
   m_moved.push_back({document.hash, document.file, document.seen});
   return m_moved.size() < kMostMoved ? std::nullopt : writeMoved();
+}
+
+FleetProblem ClickhouseDatabase::copied(const FleetCopy& copy) {
+  m_copies.push_back(copy);
+  return std::nullopt;
+}
+
+FleetProblem ClickhouseDatabase::writeCopies() {
+  const std::vector<FleetCopy> copies = std::exchange(m_copies, {});
+  return told(insertRows(&m_http, "copy", copies, [](const FleetCopy& copy, RowBinaryWriter* row) {
+    row->number(copy.seen);
+    row->text(copy.other);
+  }));
 }
 
 FleetProblem ClickhouseDatabase::writeMoved() {

@@ -58,6 +58,18 @@ struct RowTexts {
   std::string value;  ///< empty when there is none
 };
 
+/// A document that the database has.
+struct KnownDocument {
+  std::size_t number = 0;  ///< among those that were asked for
+  std::string file;        ///< as `FleetDocument::file`
+};
+
+/// A file that need not be read as long as another one is there, which has the same document.
+struct FleetCopy {
+  std::int64_t seen = 0;  ///< as `FleetDocument::seen`
+  std::string other;      ///< that file
+};
+
 /// What goes into the database at once.
 struct FleetBatch {
   std::vector<FleetDocument> documents;
@@ -79,8 +91,10 @@ class FleetDatabase {
 
   /// `FleetDocument::seen` of all documents.
   virtual FleetProblem seenFiles(std::unordered_set<std::int64_t>* seen) = 0;
-  /// Which of these documents are in the database: their numbers in `hashes`.
-  virtual FleetProblem known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) = 0;
+  /// All that `copied` was told.
+  virtual FleetProblem copies(std::vector<FleetCopy>* copies) = 0;
+  /// Which of these documents are in the database.
+  virtual FleetProblem known(std::span<const DocumentHash> hashes, std::vector<KnownDocument>* known) = 0;
   /// What is known of each of these hosts, in their order; of one that is not known nothing.
   virtual FleetProblem read(std::span<const HostWanted> hosts, std::vector<HostHistory>* histories) = 0;
   /// The texts of rows that `read` gave, in their order. Few of them are asked for.
@@ -89,6 +103,8 @@ class FleetDatabase {
   virtual FleetProblem write(const FleetBatch& batch) = 0;
   /// A document that is known stands in another file now.
   virtual FleetProblem moved(const FleetDocument& document) = 0;
+  /// A document stands in a further file; replaces what was told of that file.
+  virtual FleetProblem copied(const FleetCopy& copy) = 0;
 
   /// Asks, and hands out the rows in the order that the question says. A null is a text without `data()`.
   /// `take` ends the answer with false.

@@ -77,6 +77,19 @@ class BatchReader {
   std::shared_ptr<FleetPlaces> m_places;
 };
 
+/// A copy is read again once the file is gone that the database has for its document.
+FleetProblem findSeen(FleetDatabase& database, std::unordered_set<std::int64_t>* seen) {
+  std::vector<FleetCopy> copies;
+  FleetProblem problem = database.seenFiles(seen);
+  problem = problem ? problem : database.copies(&copies);
+  for (const FleetCopy& copy : copies) {
+    if (isThere(copy.other)) {
+      seen->insert(copy.seen);
+    }
+  }
+  return problem;
+}
+
 FleetProblem writeLocked(LoadBatch& batch, const LoadWatch& watch, FleetDatabase& database,
                          LoadCounts* counts) {
   const auto waiting = [&watch] {
@@ -101,7 +114,7 @@ FleetProblem writeLocked(LoadBatch& batch, const LoadWatch& watch, FleetDatabase
 FleetProblem loadStores(const std::vector<std::string>& stores, const Facts& facts, const ExchangeLog& log,
                         const LoadWatch& watch, FleetDatabase& database, LoadCounts* counts) {
   std::unordered_set<std::int64_t> seen;
-  FleetProblem problem = database.seenFiles(&seen);
+  FleetProblem problem = findSeen(database, &seen);
   const ReadContext context = {facts, log, time(nullptr)};
   BatchReader reader(stores, context, seen, watch.stopped);
   const auto readNext = [&reader] { return reader.next(); };

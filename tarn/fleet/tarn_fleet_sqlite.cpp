@@ -64,11 +64,13 @@ class SqliteFleet : public FleetDatabase {
   FleetProblem lock(const std::function<bool()>& waiting) override;
   FleetProblem unlock() override;
   FleetProblem seenFiles(std::unordered_set<std::int64_t>* seen) override;
-  FleetProblem known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) override;
+  FleetProblem copies(std::vector<FleetCopy>* copies) override;
+  FleetProblem known(std::span<const DocumentHash> hashes, std::vector<KnownDocument>* known) override;
   FleetProblem read(std::span<const HostWanted> hosts, std::vector<HostHistory>* histories) override;
   FleetProblem texts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts) override;
   FleetProblem write(const FleetBatch& batch) override;
   FleetProblem moved(const FleetDocument& document) override;
+  FleetProblem copied(const FleetCopy& copy) override;
   FleetProblem ask(const FleetQuestion& question, const TakeRow& take) override;
   std::string sql(const FleetQuestion& question) const override;
 
@@ -154,10 +156,18 @@ FleetProblem SqliteFleet::seenFiles(std::unordered_set<std::int64_t>* seen) {
   return m_connection.takeProblem();
 }
 
-FleetProblem SqliteFleet::known(std::span<const DocumentHash> hashes, std::vector<std::size_t>* known) {
+FleetProblem SqliteFleet::copies(std::vector<FleetCopy>* copies) {
+  SqliteStatement statement(m_connection, "SELECT seen, other FROM copy");
+  while (statement.step()) {
+    copies->push_back({statement.integer(0), std::string(statement.text(1))});
+  }
+  return m_connection.takeProblem();
+}
+
+FleetProblem SqliteFleet::known(std::span<const DocumentHash> hashes, std::vector<KnownDocument>* known) {
   for (std::size_t at = 0; at < hashes.size(); ++at) {
-    if (m_loader->writer.isKnown(hashes[at])) {
-      known->push_back(at);
+    if (std::optional<std::string> file = m_loader->writer.fileOf(hashes[at])) {
+      known->push_back({at, *std::move(file)});
     }
   }
   return m_connection.takeProblem();
@@ -205,6 +215,11 @@ FleetProblem SqliteFleet::write(const FleetBatch& batch) {
 
 FleetProblem SqliteFleet::moved(const FleetDocument& document) {
   m_loader->writer.move(document);
+  return m_connection.takeProblem();
+}
+
+FleetProblem SqliteFleet::copied(const FleetCopy& copy) {
+  m_loader->writer.addCopy(copy);
   return m_connection.takeProblem();
 }
 

@@ -9,8 +9,9 @@ namespace tarn {
 
 namespace {
 
-constexpr const char* kFindDocument =
-    "SELECT 1 FROM document WHERE substr(hash, 1, 8) = substr(?1, 1, 8) AND hash = ?1";
+constexpr const char* kFindFile =
+    "SELECT text || file FROM document JOIN value ON value.id = folder "
+    "WHERE substr(document.hash, 1, 8) = substr(?1, 1, 8) AND document.hash = ?1";
 constexpr const char* kAddFact =
     "INSERT INTO fact (host, since, place, value, void) VALUES (?, ?, ?, ?, ?) "
     "ON CONFLICT (host, since, place) DO UPDATE SET value = excluded.value, void = excluded.void";
@@ -63,18 +64,22 @@ std::int64_t signedOf(std::uint64_t number) {
 
 SqliteWriter::SqliteWriter(SqliteConnection& connection, SqliteIds& ids)
     : m_ids(ids),
-      m_findDocument(connection, kFindDocument),
+      m_findFile(connection, kFindFile),
       m_addFact(connection, kAddFact),
       m_setPresent(connection, kSetPresent),
       m_removePresent(connection, "DELETE FROM present WHERE place = ? AND host = ?"),
       m_setLatest(connection, kSetLatest),
       m_addDocument(connection, kAddDocument),
-      m_move(connection, kMove) {}
+      m_move(connection, kMove),
+      m_addCopy(connection, "INSERT OR REPLACE INTO copy (seen, other) VALUES (?, ?)") {}
 
-bool SqliteWriter::isKnown(const DocumentHash& hash) {
-  const bool isThere = m_findDocument.bindBlob(bytesOf(hash)).step();
-  m_findDocument.reset();
-  return isThere;
+std::optional<std::string> SqliteWriter::fileOf(const DocumentHash& hash) {
+  std::optional<std::string> file;
+  if (m_findFile.bindBlob(bytesOf(hash)).step()) {
+    file = m_findFile.text(0);
+    m_findFile.reset();
+  }
+  return file;
 }
 
 void SqliteWriter::write(const FleetBatch& batch) {
@@ -89,6 +94,10 @@ void SqliteWriter::write(const FleetBatch& batch) {
 void SqliteWriter::move(const FleetDocument& document) {
   m_move.bind(m_ids.value(folderOf(document.file))).bind(nameOf(document.file));
   m_move.bind(document.seen).bindBlob(bytesOf(document.hash)).step();
+}
+
+void SqliteWriter::addCopy(const FleetCopy& copy) {
+  m_addCopy.bind(copy.seen).bind(copy.other).step();
 }
 
 void SqliteWriter::addDocument(const FleetDocument& document) {

@@ -2,6 +2,7 @@
 /// What a loader writes into a file of SQLite's. All of it is within the transaction that the caller began.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,10 +17,12 @@ class SqliteWriter {
   /// The numbers are remembered there, so they have to stay.
   SqliteWriter(SqliteConnection& connection, SqliteIds& ids);
 
-  bool isKnown(const DocumentHash& hash);
+  /// Where a document is; nothing when it is not known.
+  std::optional<std::string> fileOf(const DocumentHash& hash);
   void write(const FleetBatch& batch);
   /// A document that is known stands in another file now.
   void move(const FleetDocument& document);
+  void addCopy(const FleetCopy& copy);
 
  private:
   /// A fact with its numbers.
@@ -35,8 +38,8 @@ class SqliteWriter {
   void setLatest(const std::vector<FleetFact>& facts);
 
   SqliteIds& m_ids;
-  SqliteStatement m_findDocument, m_addFact, m_setPresent, m_removePresent, m_setLatest, m_addDocument,
-      m_move;
+  SqliteStatement m_findFile, m_addFact, m_setPresent, m_removePresent, m_setLatest, m_addDocument, m_move,
+      m_addCopy;
   std::string m_host;  ///< of the facts that are being added
   std::int64_t m_hostId = 0;
 };

@@ -142,6 +142,10 @@ std::vector<StoreTrouble> StoreWalk::takeTroubles() {
   return std::exchange(m_troubles, {});
 }
 
+bool isThere(const std::string& path) {
+  return access(path.c_str(), F_OK) == 0;
+}
+
 StoreBytes readStoreFile(const StoreFile& file) {
   StoreBytes result;
   const int descriptor = ::open(file.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);

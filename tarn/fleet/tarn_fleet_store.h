@@ -40,6 +40,9 @@ class StoreWalk {
   std::vector<StoreTrouble> m_troubles;
 };
 
+/// Whether a file is there.
+bool isThere(const std::string& path);
+
 /// The most that a document may have.
 constexpr std::size_t kLargestDocument = 64 << 20;
 

@@ -1,6 +1,7 @@
 """The fleet's engines held to each other: SQLite, one ClickHouse server, and a cluster of two; and what kills them."""
 import json
 import os
+import shutil
 import subprocess
 import time
 from pathlib import Path
@@ -109,7 +110,9 @@ def test_a_file_moves_to_a_server(shards, store, expected, tmp_path):
     load(database, tmp_path)
     subprocess.run([CLUSTER / "move", tmp_path / "fleet.db", f"http://127.0.0.1:{shards[1].port}", "moved"], check=True)
     assert answers(database, store) == expected
-    assert tarn("load", "--into", database, store)[1].startswith("0 new documents")
+    shutil.copytree(store, tmp_path / "twice")
+    told = [tarn("load", "--into", database, store, tmp_path / "twice")[1] for _ in range(2)]
+    assert [line.split("; ")[1].split(" ")[0] for line in told] == ["48", "0"], told
 
 
 def test_a_loader_that_is_killed_goes_on(shards, store, expected):

@@ -58,6 +58,14 @@ told.
   $ tarn fleet get db1 -o - | cmp - now.json
   $ tarn fleet load store
   0 new documents, 0 of them with a problem; 4 known from other files, 0 files seen before
+  $ cp -r store twice && tarn fleet load twice store && tarn fleet load twice store
+  0 new documents, 0 of them with a problem; 4 known from other files, 4 files seen before
+  0 new documents, 0 of them with a problem; 0 known from other files, 8 files seen before
+  $ mv store gone && tarn fleet load twice && mv gone store && tarn fleet load twice store
+  0 new documents, 0 of them with a problem; 4 known from other files, 0 files seen before
+  0 new documents, 0 of them with a problem; 4 known from other files, 4 files seen before
+  $ rm -r twice && tarn fleet load store
+  0 new documents, 0 of them with a problem; 4 known from other files, 0 files seen before
   $ tarn fleet get db1 --at 2026-11-18
   tarn: no document of a host "db1" is known up to then
   [2]

@@ -1,2 +1,2 @@
--- Which of these documents are known.
-SELECT DISTINCT hash FROM document WHERE hash IN ({hashes}) FORMAT RowBinary
+-- Which of these documents are known, and in which files they are.
+SELECT hash, argMax(file, written) FROM document WHERE hash IN ({hashes}) GROUP BY hash FORMAT RowBinary

@@ -29,3 +29,7 @@ CREATE TABLE IF NOT EXISTS document (
   line UInt64, column UInt64, hostFrom String, timeFrom String, engine String, version String, database String,
   answered UInt64, asked UInt64, scopes Array(UInt64), written UInt64
 ) ENGINE = ReplacingMergeTree(written) ORDER BY (host, moment, hash) SETTINGS index_granularity = 1024;
+
+-- Files that need not be read while another one is there, which has the same document. On a cluster only loaders ask for
+-- it, so it stays on the server that they speak to.
+CREATE TABLE IF NOT EXISTS copy (seen Int64, other String) ENGINE = ReplacingMergeTree ORDER BY seen;

@@ -81,3 +81,9 @@ CREATE TABLE document (
 );
 CREATE INDEX document_hash ON document (substr(hash, 1, 8));  -- enough to find it
 CREATE INDEX document_host ON document (host, moment);
+
+-- Files that need not be read while another one is there, which has the same document.
+CREATE TABLE copy (
+  seen INTEGER PRIMARY KEY,
+  other TEXT NOT NULL
+);

@@ -1,0 +1,2 @@
+-- Which files need not be read while another one is there.
+SELECT seen, other FROM copy FORMAT RowBinary
