@@ -100,9 +100,10 @@ void declare(CLI::App& app, LoadOptions& options) {
       ->required()
       ->envname("TARN_FLEET")
       ->type_name("DB");
-  app.add_option(
-         "--log", options.logs,
-         "An access log of the collection server, which tells whose documents are; may be given again")
+  app.add_option("--log", options.logs,
+                 "An access log of the collection server, which tells whose documents are; may be compressed "
+                 "(gzip, zstd), "
+                 "and given again")
       ->type_name("FILE")
       ->allow_extra_args(false);
   declareFacts(app, options.facts);

@@ -1,11 +1,9 @@
 #include "tarn/fleet/tarn_fleet_log.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 
 #include "tarn/document/tarn_document_words.h"
+#include "tarn/fleet/tarn_fleet_lines.h"
 #include "tarn/fleet/tarn_fleet_time.h"
 
 namespace tarn {
@@ -45,12 +43,7 @@ std::string_view firstLabel(std::string_view name) {
 }  // namespace
 
 std::optional<std::string> ExchangeLog::add(const std::string& file) {
-  errno = 0;
-  std::ifstream lines(file);
-  for (std::string line; std::getline(lines, line);) {
-    addLine(line);
-  }
-  return lines.eof() ? std::nullopt : std::optional<std::string>(strerror(errno != 0 ? errno : EIO));
+  return readLines(file, [this](std::string_view line) { addLine(line); });
 }
 
 /// TIME ADDRESS "HOST" "REQUEST" STATUS LENGTH ID; the server writes quotes within a field as \x22.

@@ -18,7 +18,7 @@ class ExchangeLog {
     std::string host;  ///< of the Host header, without its port; empty when it is none
   };
 
-  /// Reads a file. A message of the system's when that fails.
+  /// Reads a file, which may be compressed. A sentence when that fails.
   std::optional<std::string> add(const std::string& file);
   void addLine(std::string_view line);
   /// The entry of a request by its ID, which is a part of the stored file's name. Null when there is none.

@@ -4,16 +4,15 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zstd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <memory>
 #include <utility>
 
 #include "tarn/document/tarn_document_siphash.h"
+#include "tarn/fleet/tarn_fleet_zstd.h"
 
 namespace tarn {
 
@@ -61,27 +60,16 @@ std::optional<std::string> readAtMost(int descriptor, std::size_t most, std::str
   return std::nullopt;
 }
 
-struct FreeStream {
-  void operator()(ZSTD_DStream* stream) const { ZSTD_freeDStream(stream); }
-};
-
 /// What the frames hold, at most one byte more than a document may have. Nothing when they are not whole.
 std::optional<std::string> decompressed(const std::string& bytes) {
-  const std::unique_ptr<ZSTD_DStream, FreeStream> stream(ZSTD_createDStream());
-  ZSTD_inBuffer in = {bytes.data(), bytes.size(), 0};
+  ZstdReader reader;
   std::string out;
-  std::size_t open = 1;  // 0 behind a whole frame
-  while (in.pos < in.size && out.size() <= kLargestDocument) {
-    const std::size_t had = out.size();
-    out.resize(std::min(kLargestDocument + 1, had + ZSTD_DStreamOutSize()));
-    ZSTD_outBuffer piece = {out.data() + had, out.size() - had, 0};
-    open = ZSTD_decompressStream(stream.get(), &piece, &in);
-    out.resize(had + piece.pos);
-    if (ZSTD_isError(open) != 0) {
-      return std::nullopt;
-    }
-  }
-  return open == 0 || out.size() > kLargestDocument ? std::optional(std::move(out)) : std::nullopt;
+  const bool isGood = reader.add(bytes, [&out](std::string_view piece) {
+    out += piece.substr(0, kLargestDocument + 1 - out.size());
+    return out.size() <= kLargestDocument;
+  });
+  const bool isWhole = reader.isWhole() || out.size() > kLargestDocument;
+  return isGood && isWhole ? std::optional(std::move(out)) : std::nullopt;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 """fleet load: late documents, kills, a full disk, two at once, and stores that mean no good come to the same database."""
+import gzip
 import json
 import os
 import random
@@ -133,10 +134,18 @@ def test_what_is_wrong_is_told_and_harms_nothing(tmp_path):
     os.mkfifo(day / "000106-fifo.json")
     (tmp_path / "store/incoming").mkdir()
     (tmp_path / "store/incoming/0.json").write_text(SAMPLE[:9])
-    (tmp_path / "log").write_text(OTHERS.format("other", "logged"))
+    plain, gzipped, zipped = logs = [tmp_path / name for name in ("access.log", "access.log.2.gz", "access.log.3.zst")]
+    lines = OTHERS.format("other", "logged").splitlines(keepends=True)
+    plain.write_text(lines[0])
+    gzipped.write_bytes(gzip.compress(b"no line\n") + gzip.compress(lines[1].encode()))
+    subprocess.run(["zstd", "-q", plain, "-o", zipped], check=True)
+    for log in (gzipped, zipped):
+        (tmp_path / "torn").write_bytes(log.read_bytes()[:-3])
+        assert load(tmp_path / "none", tmp_path, "--log", tmp_path / "torn").stderr == (
+            f"tarn: {tmp_path}/torn: compressed, and not whole\n")
 
     before = subprocess.check_output(["ls", "-lR", "--full-time", tmp_path / "store"])
-    ended = load(tmp_path / "db", tmp_path / "store", "--log", tmp_path / "log")
+    ended = load(tmp_path / "db", tmp_path / "store", *(f"--log={log}" for log in logs))
     assert subprocess.check_output(["ls", "-lR", "--full-time", tmp_path / "store"]) == before
     assert (ended.returncode, ended.stderr) == (2, f"tarn: {day}/000105-gone.json: No such file or directory\n")
     with sqlite3.connect(tmp_path / "db") as database:
