@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "tarn/fleet/tarn_fleet_owner.h"
+#include "tarn/fleet/tarn_fleet_statement.h"
 #include "tarn/fleet/tarn_fleet_tabs.h"
 
 namespace tarn {
@@ -25,6 +26,9 @@ constexpr char kNewest[] =
 constexpr char kOlder[] =
     "SELECT table FROM system.columns WHERE database = currentDatabase() AND name = 'owner' "
     "AND match(table, '^(held|free)_[0-9]+$') AND toUInt64OrZero(substring(table, 6)) < {}";
+constexpr char kWriting[] =
+    "SELECT count() FROM system.processes WHERE position(query_id, concat('tarn.', currentDatabase(), '.')) "
+    "= 1";
 
 std::uint64_t numberIn(std::string_view text) {
   std::uint64_t number = 0;
@@ -47,11 +51,18 @@ HttpOutcome rowsOf(FleetHttp* http, std::string_view statement, const TabRows::T
 }  // namespace
 
 HttpOutcome FleetClaim::take(const std::function<bool()>& waiting) {
-  bool taken = false;
+  HttpOutcome problem = repeat(waiting, [this](bool* taken) { return tryToTake(taken); });
+  problem = problem ? problem : repeat(waiting, [this](bool* alone) { return lookForOthers(alone); });
+  return problem ? problem : dropOlder();
+}
+
+HttpOutcome FleetClaim::repeat(const std::function<bool()>& waiting,
+                               const std::function<HttpOutcome(bool* done)>& step) {
+  bool done = false;
   for (Clock::time_point said = Clock::now();;) {
-    HttpOutcome problem = tryToTake(&taken);
-    if (problem || taken) {
-      return problem ? problem : dropOlder();
+    HttpOutcome problem = step(&done);
+    if (problem || done) {
+      return problem;
     }
     std::this_thread::sleep_for(kPause);
     if (Clock::now() - said >= std::chrono::seconds(1)) {
@@ -107,6 +118,13 @@ HttpOutcome FleetClaim::make(std::uint64_t number, bool* made) {
   *made = newest.number == number;
   m_number = number;
   return *made ? std::nullopt : m_http->ask(fmt::format("DROP TABLE held_{}", number));
+}
+
+HttpOutcome FleetClaim::lookForOthers(bool* alone) {
+  std::string count;
+  HttpOutcome problem = answerOf(m_http, kWriting, &count);
+  *alone = count == "0\n";
+  return problem || *alone ? problem : confirm();
 }
 
 HttpOutcome FleetClaim::dropOlder() {

@@ -7,7 +7,8 @@
 /// a lower version.
 ///
 /// The claim of a process of this machine that has ended is free, and so is one whose owner was silent for a
-/// minute.
+/// minute. What such an owner sent last may still be on its way into a table, on a server that hangs: the new
+/// owner waits for it, since it goes on from what it reads.
 
 #include <chrono>
 #include <cstdint>
@@ -42,9 +43,13 @@ class FleetClaim {
   };
   using Clock = std::chrono::steady_clock;
 
+  /// Ten times a second, until it is done.
+  static HttpOutcome repeat(const std::function<bool()>& waiting,
+                            const std::function<HttpOutcome(bool* done)>& step);
   HttpOutcome read(Newest* newest);
   HttpOutcome tryToTake(bool* taken);
   HttpOutcome make(std::uint64_t number, bool* made);
+  HttpOutcome lookForOthers(bool* alone);
   HttpOutcome dropOlder();
   bool isFree(const Newest& newest);
   std::string beatsOf(std::uint64_t number);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "tarn/fleet/tarn_fleet_curl.h"
+#include "tarn/fleet/tarn_fleet_owner.h"
 
 namespace tarn {
 
@@ -17,6 +18,8 @@ constexpr long kSilence = 300;
 /// Debian's server closes a connection after three idle seconds.
 constexpr long kKept = 2;
 constexpr std::size_t kLongestProblem = 300;
+constexpr std::size_t kLongestStatement = 1'000'000'000;
+constexpr std::size_t kLongestInsert = 10'000;  // without its rows
 
 const HttpProblem kNoLibrary = {0, "libcurl.so.4 cannot be loaded (Debian's package libcurl4)"};
 
@@ -166,7 +169,7 @@ HttpOutcome FleetHttp::ask(std::string_view statement, const TakeBytes& take) {
     return kNoLibrary;
   }
   Exchange question;
-  question.url = target("");
+  question.url = target(kLongestStatement);
   question.statement = statement;
   question.take = &take;
   return exchange(&question);
@@ -177,22 +180,28 @@ HttpOutcome FleetHttp::insert(std::string_view statement, const GiveBytes& give)
     return kNoLibrary;
   }
   Exchange rows;
-  rows.url = target(statement);
+  rows.url = insertTarget(statement);
   rows.give = &give;
   return exchange(&rows);
 }
 
-std::string FleetHttp::target(std::string_view statement) const {
-  std::string url = fmt::format("http://{}/?wait_end_of_query=1&max_query_size=1000000000", m_address);
+std::string FleetHttp::target(std::size_t longestStatement) const {
+  std::string url =
+      fmt::format("http://{}/?wait_end_of_query=1&max_query_size={}", m_address, longestStatement);
   // Rows of several shards: each shard's own subqueries, and no insert that is still on its way when it ends.
   url += "&distributed_product_mode=local&insert_distributed_sync=1";
   if (!m_database.empty()) {
     url += "&database=" + m_handle->escaped(m_database);
   }
-  if (!statement.empty()) {
-    url += "&query=" + m_handle->escaped(statement);
-  }
   return url;
+}
+
+/// The server lists a query once it has read as much as a statement may have, or all; Debian's reads by the
+/// MiB.
+std::string FleetHttp::insertTarget(std::string_view statement) {
+  const std::string name = fmt::format("tarn.{}.{}.{}", m_database, thisProcess(), ++m_inserts);
+  return fmt::format("{}&query={}&query_id={}", target(kLongestInsert), m_handle->escaped(statement),
+                     m_handle->escaped(name));
 }
 
 HttpOutcome FleetHttp::exchange(Exchange* exchange) {

@@ -5,6 +5,7 @@
 /// comes after the first rows is still an error and not a short answer; an answer that breaks off on its way
 /// breaks its chunks. One connection is kept. User and password travel as headers, so no log shows them.
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -38,7 +39,8 @@ class FleetHttp {
   HttpOutcome ask(std::string_view statement, const TakeBytes& take = {});
 
   /// Runs an INSERT with the rows that `give` hands out piece by piece, until an empty one. A piece has to
-  /// last until the next call.
+  /// last until the next call. As long as the server is at it, it is among the server's queries, with an
+  /// identifier that begins with `tarn.DATABASE.`
   using GiveBytes = std::function<std::string_view()>;
   HttpOutcome insert(std::string_view statement, const GiveBytes& give);
 
@@ -46,10 +48,12 @@ class FleetHttp {
   struct Handle;
   struct Exchange;
 
-  std::string target(std::string_view statement) const;
+  std::string target(std::size_t longestStatement) const;
+  std::string insertTarget(std::string_view statement);
   HttpOutcome exchange(Exchange* exchange);
 
   std::string m_address, m_database;
+  std::uint64_t m_inserts = 0;
   std::unique_ptr<Handle> m_handle;
 };
 

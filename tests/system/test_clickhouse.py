@@ -2,6 +2,7 @@
 import json
 import os
 import shutil
+import socket
 import subprocess
 import time
 from pathlib import Path
@@ -132,6 +133,20 @@ def test_two_loaders_at_once(shards, store, expected):
     loaders = [start("load", "--into", database, *(str(store / str(day)) for day in days))
                for days in (range(DAYS), reversed(range(DAYS)))]
     assert [(loader.communicate(timeout=60)[1], loader.returncode) for loader in loaders] == [("", 0)] * 2
+    assert answers(database, store) == expected
+
+
+def test_what_a_dead_loader_sent_is_waited_for(shards, store, expected):
+    database = shards[0].name("slow")
+    load(database, store / "5")
+    rows = (bytes(8) + b"\x01x") * 150_000
+    query = "database=slow&max_query_size=10000&query_id=tarn.slow.dead.1&query=INSERT+INTO+copy+FORMAT+RowBinary"
+    with socket.create_connection(("127.0.0.1", shards[0].port)) as dead:
+        dead.sendall(f"POST /?{query} HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n{len(rows):x}\r\n".encode() + rows)
+        loader = start("load", "--into", database, str(store))
+        time.sleep(1)
+        assert loader.poll() is None and shards[0].ask("SELECT count() FROM slow.document") == "8\n"
+    assert (loader.communicate(timeout=60)[1], loader.returncode) == ("", 0)
     assert answers(database, store) == expected
 
 
