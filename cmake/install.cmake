@@ -23,7 +23,7 @@ install(FILES CHANGELOG.md LICENSE README.md SECURITY.md DESTINATION ${CMAKE_INS
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md" PATTERN "*.png"
   PATTERN facts.md EXCLUDE)
 set(examples ${CMAKE_INSTALL_DOCDIR}/examples)
-install(DIRECTORY deploy/collection-server deploy/fleet deploy/systemd DESTINATION ${examples})
+install(DIRECTORY deploy/collection-server deploy/fleet deploy/systemd DESTINATION ${examples} USE_SOURCE_PERMISSIONS)
 install(FILES sample/schema.sql sample/data.sql DESTINATION ${examples}/sample)
 install(PROGRAMS sample/create DESTINATION ${examples}/sample)
 install(PROGRAMS sample/bin/kato sample/bin/katolevel sample/bin/katoset DESTINATION ${examples}/sample/bin)
