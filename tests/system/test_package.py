@@ -79,6 +79,12 @@ def test_installed_texts_name_what_is_installed(root):
         assert missing == [], document
 
 
+def test_scripts_can_be_run(root):
+    scripts = [file for file in (root / EXAMPLES).rglob("*") if file.is_file() and file.read_bytes().startswith(b"#!")]
+    assert {"move", "mirel-compress-store", "create"} <= {file.name for file in scripts}
+    assert [file for file in scripts if file.stat().st_mode & 0o777 != 0o755] == []
+
+
 def test_units_are_valid_and_confined(root, tmp_path):
     timed = {"mirel": "systemd", "mirel-fleet-load": "collection-server", "mirel-store-compress": "collection-server"}
     units = [tmp_path / f"{name}.{kind}" for name in timed for kind in ("service", "timer")]
