@@ -9,11 +9,11 @@ import pytest
 
 from conftest import ROOT, members
 
-BUILD = """
-  mkdir "$1" && tar -C "$0" --exclude=./.git --exclude=./build -c . | tar -C "$1" --no-same-permissions -x &&
-  touch -d "$3" "$1/README.md" &&
-  cmake -S "$1" -B "$1/build" -DCMAKE_BUILD_TYPE=Release && cmake --build "$1/build" &&
-  cpack -G DEB --config "$1/build/CPackConfig.cmake" -B "$2" """
+RELEASE = Path(os.environ.get("MIREL_RELEASE_DIR", ROOT / "build"))
+COPY = """
+  tar -C "$0" --exclude=./.git --exclude=./build -c . | tar -C "$1" --no-same-permissions -x &&
+  touch -d 2001-01-01 "$1/README.md" &&
+  cmake -S "$1" -B "$1/build" -DCMAKE_BUILD_TYPE=Release && cmake --build "$1/build" """
 PATH = os.environ["PATH"] + ":/usr/sbin:/sbin"
 EXAMPLES = "usr/share/doc/mirel/examples"
 
@@ -24,17 +24,21 @@ def run(*command, **options):
     return done.stdout
 
 
+def pack(build, target, **options):
+    run("cpack", "-G", "DEB", "--config", build / "CPackConfig.cmake", "-B", target, **options)
+    return {deb.name.split("_")[0]: deb for deb in target.glob("*.deb")}
+
+
 @pytest.fixture(scope="module")
 def packages(tmp_path_factory):
-    """Both packages by name, made twice. Folder, umask, a file's time, time zone, and the file system of the packing differ."""
-    folder = tmp_path_factory.mktemp("package")
+    """Both packages by name, made of the release and of a copy of its sources: folder, umask, a file's time, time zone,
+    and the file system of the packing differ."""
+    copy = tmp_path_factory.mktemp("another")
+    differing = {"umask": 0o077, "env": {"PATH": PATH, "TZ": "Asia/Tokyo"}}
     with TemporaryDirectory(dir="/dev/shm") as memory:
-        variants = [(folder / "a", folder, "2001-01-01", 0o022, "UTC"),
-                    (folder / "another", Path(memory), "2002-02-02", 0o077, "Asia/Tokyo")]
-        builds = [subprocess.Popen(["sh", "-c", BUILD, ROOT, *places], umask=umask, env={"PATH": PATH, "TZ": zone})
-                  for *places, umask, zone in variants]
-        assert [build.wait() for build in builds] == [0, 0]
-        yield [{deb.name.split("_")[0]: deb for deb in target.glob("*.deb")} for _, target, *_ in variants]
+        run("sh", "-c", COPY, ROOT, copy, **differing)
+        yield [pack(RELEASE, tmp_path_factory.mktemp("package"), umask=0o022, env={"PATH": PATH, "TZ": "UTC"}),
+               pack(copy / "build", Path(memory), **differing)]
 
 
 @pytest.fixture(scope="module")

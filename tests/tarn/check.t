@@ -29,9 +29,9 @@ For programs.
 Ten megabytes on one line, of a million members or of backslashes, do not take long.
 
   $ perl -e 'print "{", join(",", map { "\"$_\":\"Native os name\"" } 1..300000), "}"' >large.json
-  $ timeout 10 tarn check large.json 2>&1 | tail -n 1
+  $ timeout 60 tarn check large.json 2>&1 | tail -n 1
   tarn: large.json:1:7688881: warning: "Native" is no command word; write "native" [case]
   $ perl -e 'print "{\"a\": \"execute ", "\\" x 9999998, "b\"}"' >backslashes.json
-  $ timeout 10 tarn check backslashes.json
+  $ timeout 60 tarn check backslashes.json
   tarn: backslashes.json:1:16: warning: 9999998 backslashes in a row do not come out as half of them; let a shell command print them: printf '\134' [escape]
   [1]

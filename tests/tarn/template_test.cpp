@@ -9,6 +9,7 @@
 #include "generator/mirel_generator_template.h"
 #include "json/mirel_json_parser.h"
 #include "json/mirel_json_value.h"
+#include "platform/host/services/mirel_host_heap.h"
 #include "tarn/template/tarn_template_check.h"
 
 using namespace tarn;
@@ -152,10 +153,10 @@ TEST(Check, CorrectTemplatesAreClean) {
   }
 }
 
-#ifdef __SANITIZE_ADDRESS__
-constexpr int kSlips = 1000;  // a process each, which is slow to make with all that it has in memory then
+#ifdef MIREL_CHECKED_MEMORY
+constexpr std::size_t kSlips = 1000;  // a process each, which is slow with all that is in memory then
 #else
-constexpr int kSlips = 4000;
+constexpr std::size_t kSlips = 4000;
 #endif
 
 // The tree or the error line, byte for byte, over templates with slips.
@@ -166,9 +167,9 @@ TEST(TemplateSource, ReadsAsTheCollectorDoes) {
     texts.insert(texts.end(), rule.nearMisses.begin(), rule.nearMisses.end());
   }
   std::mt19937 random(11);  // NOLINT: the same slips each time
-  for (int i = 0; i < kSlips; ++i) {
+  for (std::size_t i = 0; i < kSlips; ++i) {
     const std::string& seed = texts[random() % texts.size()];
-    const std::string text = i < static_cast<int>(texts.size()) ? texts[i] : mutated(seed, random);
+    const std::string text = i < texts.size() ? texts[i] : mutated(seed, random);
     ASSERT_EQ(readByMirel(text), readByTarn(text)) << text;
   }
 }

@@ -110,5 +110,5 @@ A template is planned as it runs; one that is none has no plan.
 What is repeated within repetitions takes no longer than what it is.
 
   $ perl -e 'print "{\"\$foreach table [t]\": " x 999, "{", join(",", map { "\"$_\": \"execute x\"" } 1..2000), "}", "}" x 999' >bomb.json
-  $ timeout 10 tarn plan bomb.json | tail -n 1 | tail -c 19
+  $ timeout 60 tarn plan bomb.json | tail -n 1 | tail -c 19
   /0/t/0/t/0/2000: x
