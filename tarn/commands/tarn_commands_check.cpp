@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_input.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/template/tarn_template_check.h"
 
@@ -74,17 +74,14 @@ List rulesList() {
   return list;
 }
 
-void declareOptions(CLI::App& app, CheckOptions& options) {
+void declareOptions(CommandLine& line, CheckOptions& options) {
   std::set<std::string> known;
   for (const Rule& rule : rules()) {
     known.insert(rule.id);
   }
-  app.add_option("TEMPLATE", options.files, "Templates; - is standard input")->required()->type_name("FILE");
-  app.add_option("--allow", options.allowed, "Leave this rule out; may be repeated")
-      ->type_name("RULE")
-      ->check(CLI::IsMember(known).description(""))
-      ->allow_extra_args(false);
-  app.add_flag("--json", options.json, "One JSON object a line on standard output");
+  line.argument("TEMPLATE", options.files, "Templates; - is standard input").required().type("FILE");
+  line.option("--allow", options.allowed, "Leave this rule out; may be repeated").type("RULE").oneOf(known);
+  line.flag("--json", options.json, "One JSON object a line on standard output");
 }
 
 }  // namespace

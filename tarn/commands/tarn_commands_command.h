@@ -8,7 +8,7 @@
 ///               .bind = bindTo<StrictOptions>(declareOptions, strict)};
 ///     }
 ///
-/// `declareOptions(CLI::App&, StrictOptions&)` names the options and where they go; `strict(const
+/// `declareOptions(CommandLine&, StrictOptions&)` names the options and where they go; `strict(const
 /// StrictOptions&, Console&)` does the work. It neither exits nor prints its own errors: what it could not do
 /// it tells the console (`Console::trouble`), which remembers it for the exit status.
 
@@ -17,12 +17,9 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace tarn {
 
+class CommandLine;
 class Console;
 
 /// What a command came to, in the order of weight. Trouble is the console's.
@@ -55,14 +52,14 @@ struct Command {
   std::vector<Example> examples;
   std::vector<List> lists = {};
   /// Declares the options on the parser and hands back what to run once they are read.
-  std::function<std::function<Outcome(Console&)>(CLI::App&)> bind;
+  std::function<std::function<Outcome(Console&)>(CommandLine&)> bind;
 };
 
 template <class Options>
-auto bindTo(void (*declare)(CLI::App&, Options&), Outcome (*run)(const Options&, Console&)) {
-  return [declare, run](CLI::App& app) -> std::function<Outcome(Console&)> {
+auto bindTo(void (*declare)(CommandLine&, Options&), Outcome (*run)(const Options&, Console&)) {
+  return [declare, run](CommandLine& line) -> std::function<Outcome(Console&)> {
     const auto options = std::make_shared<Options>();
-    declare(app, *options);
+    declare(line, *options);
     return [options, run](Console& console) { return run(*options, console); };
   };
 }

@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/compare/tarn_compare_print.h"
@@ -95,12 +95,12 @@ Outcome diff(const DiffOptions& options, Console& console) {
                                                                        : Outcome::something;
 }
 
-void declareOptions(CLI::App& app, DiffOptions& options) {
-  app.add_option("OLD", options.before, "The document before; - is standard input")->required();
-  app.add_option("NEW", options.after, "The document after")->required();
-  app.add_flag("--all", options.all, "Also facts that change by themselves, and what moved among its like");
-  app.add_flag("--json", options.json, "Print an object for each change");
-  declareFacts(app, options.facts);
+void declareOptions(CommandLine& line, DiffOptions& options) {
+  line.argument("OLD", options.before, "The document before; - is standard input").required();
+  line.argument("NEW", options.after, "The document after").required();
+  line.flag("--all", options.all, "Also facts that change by themselves, and what moved among its like");
+  line.flag("--json", options.json, "Print an object for each change");
+  declareFacts(line, options.facts);
 }
 
 constexpr const char* kText =

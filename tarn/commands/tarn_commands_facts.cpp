@@ -1,8 +1,7 @@
 #include "tarn/commands/tarn_commands_facts.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_reading.h"
 
 namespace tarn {
@@ -23,10 +22,9 @@ bool addFile(Console& console, const std::string& file, Facts& facts) {
 
 }  // namespace
 
-void declareFacts(CLI::App& app, std::vector<std::string>& files) {
-  app.add_option("--facts", files, "What members of one's own mean, in addition; may be given again")
-      ->type_name("FILE")
-      ->allow_extra_args(false);
+void declareFacts(CommandLine& line, std::vector<std::string>& files) {
+  line.option("--facts", files, "What members of one's own mean, in addition; may be given again")
+      .type("FILE");
 }
 
 std::optional<Facts> loadFacts(const std::vector<std::string>& files, Console& console) {

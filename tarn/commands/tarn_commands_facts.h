@@ -7,15 +7,12 @@
 
 #include "tarn/facts/tarn_facts_table.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tarn {
 
+class CommandLine;
 class Console;
 
-void declareFacts(CLI::App& app, std::vector<std::string>& files);
+void declareFacts(CommandLine& line, std::vector<std::string>& files);
 
 /// The built-in facts and those of the files. Nothing when one cannot be read or is not in the table's form;
 /// the console was told.

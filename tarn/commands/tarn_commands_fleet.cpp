@@ -1,9 +1,9 @@
 #include "tarn/commands/tarn_commands_fleet.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/fleet/tarn_fleet_time.h"
 
 namespace tarn {
@@ -20,20 +20,19 @@ std::optional<DocumentTime> dateOf(const std::string& text, Console& console) {
 
 }  // namespace
 
-void declareFleetDatabase(CLI::App& app, FleetOptions& options) {
-  app.add_option(
-         "--from,--db,--into", options.database,
-         "The database: a file, or clickhouse://HOST[:PORT]/DATABASE; when not given, TARN_FLEET of the "
-         "environment")
-      ->type_name("DB")
-      ->envname("TARN_FLEET")
-      ->required();
+void declareFleetDatabase(CommandLine& line, FleetOptions& options) {
+  line.option("--from,--db,--into", options.database,
+              "The database: a file, or clickhouse://HOST[:PORT]/DATABASE; when not given, TARN_FLEET of the "
+              "environment")
+      .type("DB")
+      .environment("TARN_FLEET")
+      .required();
 }
 
-void declareFleet(CLI::App& app, FleetOptions& options) {
-  declareFleetDatabase(app, options);
-  app.add_flag("--json", options.json, "One JSON object a line");
-  app.add_flag("--sql", options.sql, "Print the statement that the database would be sent, and end");
+void declareFleet(CommandLine& line, FleetOptions& options) {
+  declareFleetDatabase(line, options);
+  line.flag("--json", options.json, "One JSON object a line");
+  line.flag("--sql", options.sql, "Print the statement that the database would be sent, and end");
 }
 
 FleetAsk::FleetAsk(const FleetOptions& options, Console& console) : m_options(options), m_console(console) {

@@ -9,12 +9,9 @@
 #include "tarn/document/tarn_document_shown.h"
 #include "tarn/fleet/tarn_fleet_database.h"
 
-namespace CLI {
-class App;
-}
-
 namespace tarn {
 
+class CommandLine;
 class Console;
 
 struct FleetOptions {
@@ -23,9 +20,9 @@ struct FleetOptions {
 };
 
 /// --from DB, which is required; and --json and --sql.
-void declareFleet(CLI::App& app, FleetOptions& options);
+void declareFleet(CommandLine& line, FleetOptions& options);
 /// --from DB alone.
-void declareFleetDatabase(CLI::App& app, FleetOptions& options);
+void declareFleetDatabase(CommandLine& line, FleetOptions& options);
 
 /// A database that is asked, or with --sql only says what it would be asked.
 class FleetAsk {

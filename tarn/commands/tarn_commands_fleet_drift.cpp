@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 
 namespace tarn {
@@ -44,11 +44,11 @@ Outcome drift(const DriftOptions& options, Console& console) {
   return outcome;
 }
 
-void declare(CLI::App& app, DriftOptions& options) {
-  app.add_option("--since", options.since, "From this day or time on, in UTC unless it tells its offset")
-      ->type_name("DATE")
-      ->required();
-  declareFleet(app, options.fleet);
+void declare(CommandLine& line, DriftOptions& options) {
+  line.option("--since", options.since, "From this day or time on, in UTC unless it tells its offset")
+      .type("DATE")
+      .required();
+  declareFleet(line, options.fleet);
 }
 
 }  // namespace

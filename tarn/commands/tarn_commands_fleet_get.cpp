@@ -1,11 +1,11 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/commands/tarn_commands_outputs.h"
 #include "tarn/fleet/tarn_fleet_store.h"
@@ -94,13 +94,12 @@ Outcome get(const GetOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, GetOptions& options) {
-  app.add_option("HOST", options.host, "The host's name, as fleet hosts shows it")->required();
-  app.add_option("--at", options.at, "The document that was the newest on that day, or at that time, in UTC")
-      ->type_name("DATE");
-  app.add_option("-o", options.out, "Write the document itself to this file; - is standard output")
-      ->type_name("FILE");
-  declareFleet(app, options.fleet);
+void declare(CommandLine& line, GetOptions& options) {
+  line.argument("HOST", options.host, "The host's name, as fleet hosts shows it").required();
+  line.option("--at", options.at, "The document that was the newest on that day, or at that time, in UTC")
+      .type("DATE");
+  line.option("-o", options.out, "Write the document itself to this file; - is standard output").type("FILE");
+  declareFleet(line, options.fleet);
 }
 
 }  // namespace

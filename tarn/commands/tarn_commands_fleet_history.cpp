@@ -1,10 +1,10 @@
-#include <CLI/CLI.hpp>
 #include <unordered_map>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/compare/tarn_compare_print.h"
 
@@ -117,10 +117,10 @@ Outcome history(const HistoryOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, HistoryOptions& options) {
-  app.add_option("HOST", options.host, "The host's name, as fleet hosts shows it")->required();
-  app.add_option("POINTER", options.pointer, "Only what lies there or below, as in fleet where");
-  declareFleet(app, options.fleet);
+void declare(CommandLine& line, HistoryOptions& options) {
+  line.argument("HOST", options.host, "The host's name, as fleet hosts shows it").required();
+  line.argument("POINTER", options.pointer, "Only what lies there or below, as in fleet where");
+  declareFleet(line, options.fleet);
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
-#include <CLI/CLI.hpp>
 #include <limits>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 
 namespace tarn {
@@ -108,15 +108,15 @@ Outcome hosts(const HostsOptions& options, Console& console) {
   return options.problems ? listProblems(options, fleet, console) : listHosts(options, fleet, console);
 }
 
-void declare(CLI::App& app, HostsOptions& options) {
-  declareFleet(app, options.fleet);
-  CLI::Option* const silent =
-      app.add_option("--silent-for", options.silentFor,
-                     "Only hosts whose newest document is older than that; parts of a day as 0.5")
-          ->type_name("DAYS")
-          ->check(CLI::NonNegativeNumber);
-  app.add_flag("--problems", options.problems, "List the documents whose facts were not taken, and why")
-      ->excludes(silent);
+void declare(CommandLine& line, HostsOptions& options) {
+  declareFleet(line, options.fleet);
+  const Option silent =
+      line.option("--silent-for", options.silentFor,
+                  "Only hosts whose newest document is older than that; parts of a day as 0.5")
+          .type("DAYS")
+          .notNegative();
+  line.flag("--problems", options.problems, "List the documents whose facts were not taken, and why")
+      .excludes(silent);
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include <signal.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <atomic>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/fleet/tarn_fleet_load.h"
 
 namespace tarn {
@@ -94,20 +94,17 @@ Outcome load(const LoadOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, LoadOptions& options) {
-  app.add_option("--into,--db", options.database,
-                 "The database; a file of SQLite's is made where there is none")
-      ->required()
-      ->envname("TARN_FLEET")
-      ->type_name("DB");
-  app.add_option("--log", options.logs,
-                 "An access log of the collection server, which tells whose documents are; may be compressed "
-                 "(gzip, zstd), "
-                 "and given again")
-      ->type_name("FILE")
-      ->allow_extra_args(false);
-  declareFacts(app, options.facts);
-  app.add_option("STORE", options.stores, "Folders of documents, or single ones")->required()->type_name("");
+void declare(CommandLine& line, LoadOptions& options) {
+  line.option("--into,--db", options.database, "The database; a file of SQLite's is made where there is none")
+      .required()
+      .environment("TARN_FLEET")
+      .type("DB");
+  line.option("--log", options.logs,
+              "An access log of the collection server, which tells whose documents are; may be compressed "
+              "(gzip, zstd), and given again")
+      .type("FILE");
+  declareFacts(line, options.facts);
+  line.argument("STORE", options.stores, "Folders of documents, or single ones").required().type("");
 }
 
 constexpr const char* kText =

@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_outputs.h"
 #include "tarn/page/tarn_page_fleet.h"
 
@@ -74,11 +74,11 @@ Outcome fleetPage(const FleetPageOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, FleetPageOptions& options) {
-  declareFleetDatabase(app, options.fleet);
-  app.add_option("-o", options.out, "Write the page to this file; - is standard output")
-      ->required()
-      ->type_name("PAGE.html");
+void declare(CommandLine& line, FleetPageOptions& options) {
+  declareFleetDatabase(line, options.fleet);
+  line.option("-o", options.out, "Write the page to this file; - is standard output")
+      .required()
+      .type("PAGE.html");
 }
 
 constexpr const char* kText =

@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 
 namespace tarn {
@@ -44,9 +44,9 @@ Outcome spread(const SpreadOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, SpreadOptions& options) {
-  app.add_option("POINTER", options.pointer, "A place, as in fleet where")->required();
-  declareFleet(app, options.fleet);
+void declare(CommandLine& line, SpreadOptions& options) {
+  line.argument("POINTER", options.pointer, "A place, as in fleet where").required();
+  declareFleet(line, options.fleet);
 }
 
 }  // namespace

@@ -1,10 +1,10 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_columns.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_fleet_condition.h"
 #include "tarn/commands/tarn_commands_fleet_rows.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 
 namespace tarn {
@@ -129,9 +129,9 @@ Outcome where(const WhereOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declare(CLI::App& app, WhereOptions& options) {
-  app.add_option("CONDITION", options.conditions, "POINTER=VALUE, or with >, < or ~ for =")->required();
-  declareFleet(app, options.fleet);
+void declare(CommandLine& line, WhereOptions& options) {
+  line.argument("CONDITION", options.conditions, "POINTER=VALUE, or with >, < or ~ for =").required();
+  declareFleet(line, options.fleet);
 }
 
 constexpr const char* kText =

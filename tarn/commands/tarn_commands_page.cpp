@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_outputs.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/page/tarn_page_write.h"
@@ -83,13 +83,13 @@ Outcome page(const PageOptions& options, Console& console) {
   return std::max(outcomeOf(older), outcomeOf(subject));
 }
 
-void declareOptions(CLI::App& app, PageOptions& options) {
-  app.add_option("FILE", options.file, "The document; - is standard input")->required();
-  app.add_option("NEWER", options.newer, "A newer one: the page shows it, and what changed on top");
-  app.add_option("-o", options.out, "Write the page to this file; - is standard output")
-      ->required()
-      ->type_name("PAGE.html");
-  declareFacts(app, options.facts);
+void declareOptions(CommandLine& line, PageOptions& options) {
+  line.argument("FILE", options.file, "The document; - is standard input").required();
+  line.argument("NEWER", options.newer, "A newer one: the page shows it, and what changed on top");
+  line.option("-o", options.out, "Write the page to this file; - is standard output")
+      .required()
+      .type("PAGE.html");
+  declareFacts(line, options.facts);
 }
 
 constexpr const char* kText =

@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 
 #include "generator/mirel_generator_template.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_input.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/template/tarn_template_plan.h"
 
@@ -62,13 +62,11 @@ Outcome printPlan(const PlanOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declareOptions(CLI::App& app, PlanOptions& options) {
-  auto* const builtIn = app.add_flag("--default", options.builtIn, "The built-in template");
-  app.add_option("TEMPLATE", options.file, "The template; - is standard input")
-      ->type_name("FILE")
-      ->excludes(builtIn);
-  app.add_option("-d,--database", options.database, "Data source, taken to answer")->type_name("NAME");
-  app.add_flag("--json", options.json, "One JSON object a line");
+void declareOptions(CommandLine& line, PlanOptions& options) {
+  const Option builtIn = line.flag("--default", options.builtIn, "The built-in template");
+  line.argument("TEMPLATE", options.file, "The template; - is standard input").type("FILE").excludes(builtIn);
+  line.option("-d,--database", options.database, "Data source, taken to answer").type("NAME");
+  line.flag("--json", options.json, "One JSON object a line");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 
 namespace tarn {
 
@@ -31,7 +32,8 @@ void declare(CLI::App& program, const Command& command, Run* chosen) {
     parser->require_subcommand(1);
     return;
   }
-  parser->callback([run = command.bind(*parser), chosen] { *chosen = run; });
+  CommandLine line(*parser);
+  parser->callback([run = command.bind(line), chosen] { *chosen = run; });
 }
 
 int statusOf(Outcome outcome, const Console& console) {

@@ -4,6 +4,10 @@
 
 #include "tarn/commands/tarn_commands_command.h"
 
+namespace CLI {
+class App;
+}
+
 namespace tarn {
 
 using Run = std::function<Outcome(Console&)>;

@@ -1,12 +1,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <deque>
 #include <set>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_outputs.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/redact/tarn_redact_collector.h"
@@ -229,37 +229,33 @@ Outcome restore(const RedactOptions& options, Console& console) {
   return unknown > 0 ? Outcome::something : Outcome::nothing;
 }
 
-void declareFiles(CLI::App& app, RedactOptions& options) {
-  app.add_option("FILE", options.files, "Documents; - for standard input")->type_name("")->required();
-  app.add_option("-o,--output", options.out,
-                 "File for one document, directory for several; standard output without it")
-      ->type_name("OUT");
+void declareFiles(CommandLine& line, RedactOptions& options) {
+  line.argument("FILE", options.files, "Documents; - for standard input").type("").required();
+  line.option("-o,--output", options.out,
+              "File for one document, directory for several; standard output without it")
+      .type("OUT");
 }
 
-void declareRedact(CLI::App& app, RedactOptions& options) {
+void declareRedact(CommandLine& line, RedactOptions& options) {
   std::set<std::string> names;
   for (const RedactKindRow& row : kRedactKinds) {
     names.emplace(row.name);
   }
-  declareFiles(app, options);
-  app.add_option("--map", options.map, "File that keeps originals and pseudonyms from call to call")
-      ->type_name("MAP");
-  app.add_option("--only", options.only, "Redact this kind and no other; may be given again")
-      ->type_name("KIND")
-      ->check(CLI::IsMember(names))
-      ->allow_extra_args(false);
-  app.add_option("--keep", options.keep, "Leave this kind as it is; may be given again")
-      ->type_name("KIND")
-      ->check(CLI::IsMember(names))
-      ->allow_extra_args(false);
-  app.add_option("--also", options.also, "Redact this text, too, as a customer's; may be given again")
-      ->type_name("TEXT")
-      ->allow_extra_args(false);
+  declareFiles(line, options);
+  line.option("--map", options.map, "File that keeps originals and pseudonyms from call to call").type("MAP");
+  line.option("--only", options.only, "Redact this kind and no other; may be given again")
+      .type("KIND")
+      .oneOf(names);
+  line.option("--keep", options.keep, "Leave this kind as it is; may be given again")
+      .type("KIND")
+      .oneOf(names);
+  line.option("--also", options.also, "Redact this text, too, as a customer's; may be given again")
+      .type("TEXT");
 }
 
-void declareRestore(CLI::App& app, RedactOptions& options) {
-  declareFiles(app, options);
-  app.add_option("--map", options.map, "The map that redact wrote")->type_name("MAP")->required();
+void declareRestore(CommandLine& line, RedactOptions& options) {
+  declareFiles(line, options);
+  line.option("--map", options.map, "The map that redact wrote").type("MAP").required();
 }
 
 constexpr char kRedactText[] =

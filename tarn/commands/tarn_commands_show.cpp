@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/show/tarn_show_document.h"
 #include "tarn/show/tarn_show_value.h"
@@ -107,12 +107,12 @@ Outcome show(const ShowOptions& options, Console& console) {
                                  : member(options, tree, *facts, console);
 }
 
-void declare(CLI::App& app, ShowOptions& options) {
-  app.add_option("FILE", options.file, "Document; - or nothing for standard input")->type_name("");
-  app.add_option("POINTER", options.pointer, "One member, shown whole, as in /databaseInfo/0/bufferpools")
-      ->type_name("");
-  app.add_flag("--all", options.all, "Cut nothing: whole lines, tables and listings");
-  declareFacts(app, options.facts);
+void declare(CommandLine& line, ShowOptions& options) {
+  line.argument("FILE", options.file, "Document; - or nothing for standard input").type("");
+  line.argument("POINTER", options.pointer, "One member, shown whole, as in /databaseInfo/0/bufferpools")
+      .type("");
+  line.flag("--all", options.all, "Cut nothing: whole lines, tables and listings");
+  declareFacts(line, options.facts);
 }
 
 }  // namespace

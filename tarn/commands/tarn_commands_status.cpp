@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "tarn/commands/tarn_commands_columns.h"
@@ -6,6 +5,7 @@
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
 #include "tarn/commands/tarn_commands_files.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/facts/tarn_facts_status.h"
@@ -199,14 +199,14 @@ Outcome status(const StatusOptions& options, Console& console) {
   return outcome;
 }
 
-void declare(CLI::App& app, StatusOptions& options) {
+void declare(CommandLine& line, StatusOptions& options) {
   options.files = {"-"};
-  app.add_option("FILE", options.files, "Documents, or folders of them; - or nothing for standard input")
-      ->type_name("");
-  app.add_flag("-v,--verbose", options.verbose,
-               "List the members that did not answer, and why if that is known");
-  app.add_flag("--json", options.json, "One JSON object for each document");
-  declareFacts(app, options.facts);
+  line.argument("FILE", options.files, "Documents, or folders of them; - or nothing for standard input")
+      .type("");
+  line.flag("-v,--verbose", options.verbose,
+            "List the members that did not answer, and why if that is known");
+  line.flag("--json", options.json, "One JSON object for each document");
+  declareFacts(line, options.facts);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_reading.h"
 #include "tarn/document/tarn_document_strict.h"
 
@@ -225,12 +225,12 @@ Outcome strict(const StrictOptions& options, Console& console) {
   return outcome;
 }
 
-void declare(CLI::App& app, StrictOptions& options) {
+void declare(CommandLine& line, StrictOptions& options) {
   options.files = {"-"};
-  app.add_option("FILE", options.files, "Documents; - or nothing for standard input")->type_name("");
-  app.add_flag("--lines", options.lines, "One line a document, without blanks between its tokens");
-  app.add_flag("--unique", options.unique, "Name later members of one name NAME#2, NAME#3 and so on");
-  app.add_flag("--mend", options.mend, "Of a document that is not whole, write what is");
+  line.argument("FILE", options.files, "Documents; - or nothing for standard input").type("");
+  line.flag("--lines", options.lines, "One line a document, without blanks between its tokens");
+  line.flag("--unique", options.unique, "Name later members of one name NAME#2, NAME#3 and so on");
+  line.flag("--mend", options.mend, "Of a document that is not whole, write what is");
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "generator/mirel_generator_template.h"
@@ -6,6 +5,7 @@
 #include "json/mirel_json_value.h"
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
+#include "tarn/commands/tarn_commands_line.h"
 
 namespace tarn {
 
@@ -31,7 +31,7 @@ Command templateCommand() {
                         "{\n  \"tarn_version\": \"1.1\",\n"
                         "  \"tarn_collection_time\": \"sql value time select CURRENT_TIMESTAMP as time from "
                         "syszent.sysdummy1\","}},
-          .bind = bindTo<TemplateOptions>([](CLI::App&, TemplateOptions&) {}, printTemplate)};
+          .bind = bindTo<TemplateOptions>([](CommandLine&, TemplateOptions&) {}, printTemplate)};
 }
 
 }  // namespace tarn

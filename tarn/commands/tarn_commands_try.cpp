@@ -2,7 +2,6 @@
 #include <sys/inotify.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cmath>
 #include <filesystem>
 
@@ -12,6 +11,7 @@
 #include "tarn/commands/tarn_commands_command.h"
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_input.h"
+#include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/document/tarn_document_output.h"
 #include "tarn/template/tarn_template_trial.h"
@@ -250,22 +250,19 @@ Outcome tryTemplates(const TryOptions& options, Console& console) {
   return Outcome::nothing;
 }
 
-void declareOptions(CLI::App& app, TryOptions& options) {
-  app.add_option("TEMPLATE", options.file, "The template; - is standard input")
-      ->required()
-      ->type_name("FILE");
-  app.add_option("-d,--database", options.database, "Data source to connect to")->type_name("NAME");
-  app.add_option("-o,--outfile", options.outfile, "Write the document that mirel would make")
-      ->type_name("FILE");
-  app.add_flag("--json", options.json, "One JSON object a line");
-  app.add_flag("--watch", options.watch, "Run it again each time the file is saved");
-  app.add_option("-n,--name", options.name, "The customer's name")->type_name("TEXT");
-  app.add_option("-c,--company", options.company, "Company")->type_name("TEXT");
-  app.add_option("-e,--email", options.email, "E-mail address")->type_name("TEXT");
-  app.add_option("-r,--country", options.country, "Country")->type_name("TEXT");
-  app.add_option("-a,--address", options.address, "Address")->type_name("TEXT");
-  app.add_option("-t,--telephone", options.telephone, "Telephone number")->type_name("TEXT");
-  app.add_option("-i,--icn", options.icn, "Customer number; no member asks for it")->type_name("TEXT");
+void declareOptions(CommandLine& line, TryOptions& options) {
+  line.argument("TEMPLATE", options.file, "The template; - is standard input").required().type("FILE");
+  line.option("-d,--database", options.database, "Data source to connect to").type("NAME");
+  line.option("-o,--outfile", options.outfile, "Write the document that mirel would make").type("FILE");
+  line.flag("--json", options.json, "One JSON object a line");
+  line.flag("--watch", options.watch, "Run it again each time the file is saved");
+  line.option("-n,--name", options.name, "The customer's name").type("TEXT");
+  line.option("-c,--company", options.company, "Company").type("TEXT");
+  line.option("-e,--email", options.email, "E-mail address").type("TEXT");
+  line.option("-r,--country", options.country, "Country").type("TEXT");
+  line.option("-a,--address", options.address, "Address").type("TEXT");
+  line.option("-t,--telephone", options.telephone, "Telephone number").type("TEXT");
+  line.option("-i,--icn", options.icn, "Customer number; no member asks for it").type("TEXT");
 }
 
 }  // namespace

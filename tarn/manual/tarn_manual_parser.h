@@ -7,8 +7,9 @@
 #include "tarn/commands/tarn_commands_command.h"
 
 namespace CLI {
+class App;
 class Option;
-}
+}  // namespace CLI
 
 namespace tarn {
 
