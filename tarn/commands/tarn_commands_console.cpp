@@ -40,16 +40,32 @@ std::string_view cutTo(std::string_view text, std::size_t width) {
   return text;
 }
 
+/// Whether a terminal would take the bytes of UTF-8 for something else: the user's locale says so.
+bool isPlain(int terminal) {
+  const char* locale = "";
+  for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* const value = getenv(name);
+    locale = *locale == '\0' && value != nullptr ? value : locale;
+  }
+  return isatty(terminal) != 0 && strcasestr(locale, "utf-8") == nullptr &&
+         strcasestr(locale, "utf8") == nullptr;
+}
+
 Shown at(const Place& place) {
   return say("{}:{}", place.line, place.column);
 }
 
 }  // namespace
 
-Console::Console(int input, int output, int error) : m_input(input), m_output(output), m_error(error) {}
+Console::Console(int input, int output, int error)
+    : m_input(input),
+      m_output(output),
+      m_error(error),
+      m_plainOutput(isPlain(output)),
+      m_plainError(isPlain(error)) {}
 
 void Console::line(const Shown& text) {
-  bytes(text.text());
+  bytes(m_plainOutput ? plain(text).text() : text.text());
   bytes("\n");
 }
 
@@ -89,7 +105,7 @@ void Console::note(const Shown& text) {
 void Console::tell(const Shown& text) {
   flush();
   hideProgress();
-  writeAll(m_error, say("tarn: {}\n", text).text());
+  writeAll(m_error, say("tarn: {}\n", m_plainError ? plain(text) : text).text());
 }
 
 void Console::progress(const Shown& text) {

@@ -52,6 +52,7 @@ class Console {
   void hideProgress();
 
   int m_input, m_output, m_error;
+  bool m_plainOutput, m_plainError;  ///< nothing but ASCII is shown there
   std::string m_kept;
   bool m_troubled = false, m_lost = false, m_progressShown = false;
   std::int64_t m_progressTime = 0;

@@ -113,7 +113,7 @@ Command fleetGetCommand() {
           "time. The file is found, too, when it was compressed by zstd since and has .zst behind its name; "
           "-o writes the document as it came.",
       .examples = {{"tarn fleet get db1 --at 2026-11-19 --from fleet.db -o db1.json && tarn status db1.json",
-                    "whole   17 of  18 answered  SALES  db1  2026-11-19T01:30:22Z  PostgreSQL 15.0.17  "
+                    "whole   17 of  18 answered  SALES  db1  2026-11-19T01:30:22Z  PostgreSQL 15.17  "
                     "strict  db1.json"}},
       .lists = {membersList(kMembers)},
       .bind = bindTo<GetOptions>(declare, get)};

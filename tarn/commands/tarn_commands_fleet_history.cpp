@@ -143,8 +143,8 @@ Command fleetHistoryCommand() {
                     "    @@ -2 +2 @@\n"
                     "    -shared_buffers = 128MB\n"
                     "    +shared_buffers = 256MB\n"
-                    "  /instanceInfo/codeRelease: PostgreSQL 15.0.17 → PostgreSQL 15.0.18\n"
-                    "  /instanceInfo/version: 15.0.17 → 15.0.18"}},
+                    "  /instanceInfo/codeRelease: PostgreSQL 15.17 → PostgreSQL 15.18\n"
+                    "  /instanceInfo/version: 15.17 → 15.18"}},
       .lists = {membersList(kMembers)},
       .bind = bindTo<HistoryOptions>(declare, history)};
 }

@@ -134,11 +134,11 @@ Command fleetHostsCommand() {
           "there is no other.\n\n"
           "With --silent-for or --problems the status is 1 when there is anything to list.",
       .examples = {{"tarn fleet hosts --from fleet.db",
-                    "db1  2026-11-20T01:30:25Z  whole      PostgreSQL 15.0.18  SALES  2 documents  17 of 18 "
+                    "db1  2026-11-20T01:30:25Z  whole      PostgreSQL 15.18  SALES  2 documents  17 of 18 "
                     "answered\n"
-                    "db2  2026-11-19T02:04:51Z  whole      PostgreSQL 15.0.18  SALES  1 document   17 of 18 "
+                    "db2  2026-11-19T02:04:51Z  whole      PostgreSQL 15.18  SALES  1 document   17 of 18 "
                     "answered\n"
-                    "db3  2026-11-20T01:55:40Z  not whole  PostgreSQL 15.0.18  SALES  1 document   14 of 15 "
+                    "db3  2026-11-20T01:55:40Z  not whole  PostgreSQL 15.18  SALES  1 document   14 of 15 "
                     "answered"},
                    {"tarn fleet hosts --from fleet.db --problems --json | jq -r '.problem + \", \" + .host'",
                     "not whole, db3"}},

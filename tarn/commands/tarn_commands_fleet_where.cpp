@@ -152,19 +152,18 @@ constexpr const char* kText =
 }  // namespace
 
 Command fleetWhereCommand() {
-  return {
-      .name = "fleet where",
-      .sentence = "List the hosts that show these values",
-      .text = kText,
-      .examples =
-          {{"tarn fleet where '/platformInfo/osName=Linux' '/instanceInfo/version>15.0.2' --from fleet.db",
-            "db1  Linux  15.0.18\n"
-            "db2  Linux  15.0.18"},
-           {"tarn fleet where '/databaseInfo/0/bufferpools[BPNAME=main]/NPAGES>1000' '*~0-25' --from "
-            "fleet.db --json | jq -r '.host, .facts[].value'",
-            "db1\n32768\n6.1.0-25-amd64"}},
-      .lists = {membersList(kMembers)},
-      .bind = bindTo<WhereOptions>(declare, where)};
+  return {.name = "fleet where",
+          .sentence = "List the hosts that show these values",
+          .text = kText,
+          .examples =
+              {{"tarn fleet where '/platformInfo/osName=Linux' '/instanceInfo/version>15.17' --from fleet.db",
+                "db1  Linux  15.18\n"
+                "db2  Linux  15.18"},
+               {"tarn fleet where '/databaseInfo/0/bufferpools[BPNAME=main]/NPAGES>1000' '*~0-25' --from "
+                "fleet.db --json | jq -r '.host, .facts[].value'",
+                "db1\n32768\n6.1.0-25-amd64"}},
+          .lists = {membersList(kMembers)},
+          .bind = bindTo<WhereOptions>(declare, where)};
 }
 
 }  // namespace tarn

@@ -4,12 +4,16 @@
 #include "tarn/commands/tarn_commands_facts.h"
 #include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_reading.h"
+#include "tarn/fleet/tarn_fleet_time.h"
+#include "tarn/show/tarn_show_brief.h"
 #include "tarn/show/tarn_show_document.h"
 #include "tarn/show/tarn_show_value.h"
 
 namespace tarn {
 
 namespace {
+
+constexpr std::size_t kIndent = 2;
 
 struct ShowOptions {
   std::string file = "-", pointer;
@@ -24,7 +28,7 @@ Look lookOf(const ShowOptions& options, const Console& console) {
           .styled = console.outputIsTerminal() && (plain == nullptr || *plain == '\0')};
 }
 
-/// "Host db1, SQLite 3.39.3, database SAMPLE, 2026-11-21"
+/// "Host db1, SQLite 3.40.1, database SAMPLE, 2026-11-21"
 Shown nameOf(const Roles& roles, bool isWhole) {
   struct Part {
     Role role;
@@ -44,13 +48,55 @@ Shown nameOf(const Roles& roles, bool isWhole) {
   return name;
 }
 
+/// "3 days ago". Of a document that tells no more than its day, that is counted in days of UTC.
+std::optional<Shown> ageOf(const Roles& roles) {
+  const std::optional<std::string>& text = roles[Role::time];
+  const std::optional<DocumentTime> made = text ? timeOf(*text) : std::nullopt;
+  if (!made) {
+    return std::nullopt;
+  }
+  const std::int64_t days = time(nullptr) / kSecondsPerDay - made->seconds / kSecondsPerDay;
+  if (days < -1) {
+    return say("in {} days: a clock is wrong", -days);
+  }
+  return days <= 0 ? "today" : days == 1 ? "yesterday" : say("{} days ago", days);
+}
+
+/// "4 of 82, besides 11 that need not"
+Shown silenceOf(const StatusSink& status, const Facts& facts) {
+  std::uint64_t optional = 0;
+  status.silent().forEach([&](Silence, std::string_view pointer) {
+    const Fact* const fact = facts.find(pointer);
+    optional += fact != nullptr && fact->isOptional ? 1 : 0;
+  });
+  const std::uint64_t wanted = status.asked() - status.answered() - optional;
+  if (wanted == 0) {
+    return optional == 0 ? "" : say("only {} that need not", optional);
+  }
+  const Shown count = say("{} of {}", wanted, status.asked());
+  return optional == 0 ? count : count + say(", besides {} that need not", optional);
+}
+
+/// What is worth knowing before all the rest.
+void brief(const Tree& tree, const Facts& facts, const StatusSink& status, Lines& lines) {
+  std::vector<Labelled> all = briefOf(tree, facts);
+  if (const std::optional<Shown> age = ageOf(status.roles())) {
+    all.insert(all.begin(), {"Collected", *age});
+  }
+  if (const Shown silence = silenceOf(status, facts); !silence.text().empty()) {
+    all.push_back({"No answer", silence});
+  }
+  lines.gap();
+  lines.labelled(kIndent, all);
+}
+
 /// "sample.json: whole, 71 of 82 members answered, 8.3 KiB (8499)"
 void head(const ShowOptions& options, const Tree& tree, const StatusSink& status, std::uint64_t bytes,
           Lines& lines) {
   const Shown name = nameOf(status.roles(), tree.ending().state == State::whole);
   lines.heading(0, name.text().empty() ? shown(options.file) : name, {});
-  const Shown size = bytes < 1024 ? say("{} bytes", bytes) : valueOf(std::to_string(bytes), Unit::bytes);
-  const Shown counted = say("{} of {} members answered, {}", status.answered(), status.asked(), size);
+  const Shown counted =
+      say("{} of {} members answered, {}", status.answered(), status.asked(), sizeOf(bytes));
   if (tree.ending().state == State::whole) {
     lines.line(0, say("{}: {}", shown(options.file), counted));
   } else {
@@ -58,7 +104,6 @@ void head(const ShowOptions& options, const Tree& tree, const StatusSink& status
                       tree.ending().place.column, troubleOf(tree.ending())));
     lines.line(0, say("What stands before: {}", counted));
   }
-  lines.gap();
 }
 
 Outcome document(const ShowOptions& options, const Tree& tree, const Facts& facts, const StatusSink& status,
@@ -66,6 +111,8 @@ Outcome document(const ShowOptions& options, const Tree& tree, const Facts& fact
   Lines lines([&console](const Shown& line) { console.line(line); }, lookOf(options, console));
   DocumentView view(tree, facts, lines);
   head(options, tree, status, bytes, lines);
+  brief(tree, facts, status, lines);
+  lines.gap();
   if (!tree.empty()) {
     view.sections();
   }
@@ -122,10 +169,11 @@ Command showCommand() {
       .name = "show",
       .sentence = "Show a document to people",
       .text =
-          "Sections with the values that answered, sizes in binary units beside the bytes, tables, bars for "
-          "shares and for what is counted, the beginnings of listings; at the end what did not answer, and "
-          "why. Lines are cut to the width of the terminal, or to COLUMNS; long tables and listings are cut, "
-          "too, and say by how much.\n\n"
+          "What it is, how old it is and what stands out, in a few lines. Then sections with the values "
+          "that answered, sizes in binary units beside the bytes, tables, bars for shares and for what is "
+          "counted, the beginnings of listings; at the end what did not answer, and why. Lines keep to the "
+          "width of the terminal, or to COLUMNS; long texts, tables and listings are cut and say by how "
+          "much. A terminal whose locale has no UTF-8 is shown ASCII.\n\n"
           "With a POINTER that member is shown whole. The status is 1 when the document is cut or damaged: "
           "what stands before the trouble is shown.",
       .examples = {{"tarn show postgresql.json | grep -A 4 'Buffer pools'",

@@ -228,7 +228,7 @@ Command statusCommand() {
           "/tmp; so standard input is kept in one, too. tarn strict tells more of that.",
       .examples =
           {{"tarn status sample.json alone.json",
-            "whole   71 of  82 answered  SAMPLE       db1  2026-11-21  SQLite 3.39.3  strict, names repeat  "
+            "whole   71 of  82 answered  SAMPLE       db1  2026-11-21  SQLite 3.40.1  strict, names repeat  "
             "sample.json\n"
             "whole   31 of  47 answered  no database  db1  -           -              strict                "
             "alone.json"},

@@ -56,6 +56,26 @@ void appendShown(std::string_view bytes, const Utf8& next, std::string& text) {
   }
 }
 
+/// Bytes of the text's beginning that take at most that many columns; one character at least.
+std::size_t bytesIn(std::string_view text, std::size_t width) {
+  std::size_t end = nextUtf8(text).length;
+  std::size_t taken = columns(text.substr(0, end));
+  while (end < text.size()) {
+    const std::size_t length = nextUtf8(text.substr(end)).length;
+    taken += columns(text.substr(end, length));
+    if (taken > width) {
+      break;
+    }
+    end += length;
+  }
+  return end;
+}
+
+struct Likeness {
+  std::string_view sign, like;
+};
+constexpr Likeness kLike[] = {{"█", "#"}, {"░", "."}, {"▏", "|"}, {"…", "~"}, {"→", "->"}};
+
 }  // namespace
 
 bool isHidden(char32_t character) {
@@ -101,6 +121,40 @@ Shown fitted(const Shown& text, std::size_t width) {
     end = taken < width ? at : end;
   }
   return text;
+}
+
+std::vector<Shown> folded(const Shown& text, std::size_t width) {
+  std::vector<Shown> lines;
+  for (std::string_view rest = text.m_text; !rest.empty();) {
+    std::size_t end = bytesIn(rest, width);
+    std::size_t next = end;
+    const std::size_t blank = end == rest.size() ? std::string_view::npos : rest.rfind(' ', end);
+    if (blank != std::string_view::npos && blank > 0) {
+      end = blank;
+      next = blank + 1;
+    }
+    lines.emplace_back().m_text = rest.substr(0, end);
+    rest.remove_prefix(next);
+  }
+  return lines;
+}
+
+Shown plain(const Shown& text) {
+  Shown result;
+  for (std::string_view rest = text.m_text; !rest.empty();) {
+    const Utf8 next = nextUtf8(rest);
+    const auto* const like = std::find_if(std::begin(kLike), std::end(kLike),
+                                          [rest](const Likeness& one) { return rest.starts_with(one.sign); });
+    if (like != std::end(kLike)) {
+      result.m_text += like->like;
+    } else if (next.length > 1) {
+      fmt::format_to(std::back_inserter(result.m_text), "\\u{{{:x}}}", static_cast<unsigned>(next.character));
+    } else {
+      result.m_text += rest[0];
+    }
+    rest.remove_prefix(next.length);
+  }
+  return result;
 }
 
 Shown blanks(std::size_t count) {

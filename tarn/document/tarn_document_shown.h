@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace tarn {
 
@@ -36,6 +37,8 @@ class Shown {
   friend Shown shown(std::string_view foreign);
   friend Shown shownLines(std::string_view foreign);
   friend Shown fitted(const Shown& text, std::size_t width);
+  friend std::vector<Shown> folded(const Shown& text, std::size_t width);
+  friend Shown plain(const Shown& text);
   friend Shown blanks(std::size_t count);
   template <class... Parts>
   friend Shown say(fmt::format_string<const Parts&...> format, const Parts&... parts);
@@ -50,6 +53,13 @@ Shown shownLines(std::string_view foreign);
 
 /// The text if it is not wider than that many columns, else its beginning with "…" behind it.
 Shown fitted(const Shown& text, std::size_t width);
+
+/// The text on lines of at most that many columns, broken at blanks where there are any.
+std::vector<Shown> folded(const Shown& text, std::size_t width);
+
+/// The text for a terminal that knows no more than ASCII: bars and signs of ours as similar characters, all
+/// others as `\u{…}`.
+Shown plain(const Shown& text);
 
 /// That many blanks.
 Shown blanks(std::size_t count);

@@ -1,6 +1,7 @@
 #include "tarn/facts/tarn_facts_keys.h"
 
 #include <algorithm>
+#include <charconv>
 #include <iterator>
 
 namespace tarn {
@@ -35,6 +36,7 @@ constexpr TextKey kTextKeys[] = {
     {"source", &Fact::source},   {"sqlite", &Fact::sqlite},   {"postgresql", &Fact::postgresql},
     {"mariadb", &Fact::mariadb}, {"product", &Fact::product}, {"\"null\"", &Fact::ifNull},
     {"\"NULL\"", &Fact::ifNULL}, {"\"\"", &Fact::ifEmpty},    {"[]", &Fact::ifNone},
+    {"needs", &Fact::needs},
 };
 
 std::vector<std::string> wordsOf(std::string_view text) {
@@ -82,6 +84,28 @@ Problem takeContainer(std::string_view value, Fact& fact) {
   return takeYes(value, &fact.isContainer);
 }
 
+Problem takeOptional(std::string_view value, Fact& fact) {
+  return takeYes(value, &fact.isOptional);
+}
+
+Problem takeBrief(std::string_view value, Fact& fact) {
+  const std::size_t colon = value.find(": ");
+  const std::size_t gap = value.find("{}");
+  if (colon == std::string_view::npos || gap == std::string_view::npos || gap < colon) {
+    return "a brief is \"GROUP: words with {}\"";
+  }
+  fact.brief.group = value.substr(0, colon);
+  fact.brief.before = value.substr(colon + 2, gap - colon - 2);
+  fact.brief.behind = value.substr(gap + 2);
+  return std::nullopt;
+}
+
+Problem takeLow(std::string_view value, Fact& fact) {
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), fact.brief.low);
+  const bool isPercent = error == std::errc() && end == value.data() + value.size() && fact.brief.low <= 100;
+  return isPercent ? std::nullopt : Problem("low is a number of percent");
+}
+
 Problem takeNames(std::string_view value, Fact& fact) {
   fact.names = wordsOf(value);
   return std::nullopt;
@@ -108,9 +132,11 @@ struct Key {
   std::string_view key;
   Problem (*take)(std::string_view value, Fact& fact);
 };
-constexpr Key kKeys[] = {{"unit", takeUnit},           {"role", takeRole},   {"volatile", takeVolatile},
-                         {"container", takeContainer}, {"names", takeNames}, {"chart", takeChart},
-                         {"reveals", takeReveals}};
+constexpr Key kKeys[] = {{"unit", takeUnit},         {"role", takeRole},
+                         {"volatile", takeVolatile}, {"container", takeContainer},
+                         {"optional", takeOptional}, {"names", takeNames},
+                         {"chart", takeChart},       {"reveals", takeReveals},
+                         {"brief", takeBrief},       {"low", takeLow}};
 
 }  // namespace
 

@@ -20,6 +20,13 @@ enum class Unit { text, listing, time, bytes, pages, megahertz, count, number };
 /// What a document is told by, in one line.
 enum class Role { none, host, time, engine, version, database };
 
+/// What tells of the member in a few words, before anything else of a document is read: "Machine" and
+/// "{} memory". `low` is the share in percent below which it is worth a look, 0 for never.
+struct Brief {
+  std::string group, before, behind;
+  unsigned low = 0;
+};
+
 /// Texts are empty where the table says nothing.
 struct Fact {
   std::string place;    ///< a JSON Pointer, `*` for any element
@@ -30,6 +37,7 @@ struct Fact {
   Role role = Role::none;
   bool isVolatile = false;   ///< changes by itself between two runs
   bool isContainer = false;  ///< an array whose elements are parts of the document
+  bool isOptional = false;   ///< nothing is wrong when it is silent
 
   std::string source;  ///< where the value comes from, on every engine
   std::string sqlite, postgresql, mariadb, product;
@@ -37,10 +45,12 @@ struct Fact {
   std::string ifNULL;   ///< what the text "NULL" means
   std::string ifEmpty;  ///< what the empty text means
   std::string ifNone;   ///< what the empty array means
+  std::string needs;    ///< a place: as long as nothing is there, that is why this member is silent
 
   std::vector<std::string> names;    ///< columns that tell one row from another
   std::vector<std::string> chart;    ///< "bars" LABEL VALUE, or "share" PLACE
   std::vector<std::string> reveals;  ///< host, person, address, path, secrets
+  Brief brief;
 };
 
 /// Where a table is not in its form: the line, from 1, and a sentence of ours.

@@ -86,9 +86,10 @@ void showBars(const Tree& tree, const Node& array, const BarColumns& names, std:
     const auto length = static_cast<std::size_t>(std::lround(value / most * kBarWidth));
     lines.line(indent,
                say("{}{}  {:{}}  {:>5}  {}", bars[i].label, blanks(width - columns(bars[i].label.text())),
-                   bars[i].value, digits, percentOf(sum == 0 ? 0 : value / sum), barOf(1, length)));
+                   bars[i].value, digits, percentOf(sum == 0 ? 0 : value / sum),
+                   length == 0 && value > 0 ? Shown("▏") : barOf(1, length)));
   }
-  lines.rest(indent, bars.size() - shownBars, "rows");
+  lines.rest(indent, bars.size() - shownBars, "row");
 }
 
 }  // namespace tarn

@@ -1,7 +1,9 @@
 #include "tarn/show/tarn_show_document.h"
 
 #include <algorithm>
+#include <map>
 
+#include "tarn/show/tarn_show_brief.h"
 #include "tarn/show/tarn_show_table.h"
 #include "tarn/show/tarn_show_value.h"
 
@@ -12,7 +14,9 @@ namespace {
 constexpr std::size_t kIndent = 2;
 constexpr std::size_t kLinesAtMost = 12;     // of a listing
 constexpr std::size_t kMembersAtMost = 200;  // of a container
+constexpr std::size_t kFoldsAtMost = 3;      // lines of a value
 constexpr std::size_t kTitleAtMost = 36;
+constexpr std::size_t kValueAtLeast = 20;  // columns, however narrow the terminal is
 constexpr std::size_t kBarWidth = 20;
 constexpr std::size_t kDepthAtMost = 16;    // sections in sections
 constexpr std::size_t kBytesAtMost = 4096;  // of a text that is shown on a line
@@ -26,16 +30,39 @@ std::string below(const std::string& pointer, const Node& member) {
 /// Members that are silent for one reason, one behind the other.
 struct Reason {
   std::string text;
-  Shown pointers;
+  bool isOptional;  ///< nothing is wrong
+  std::vector<Shown> pointers;
+  /// Where those of elements that share a fact stand among the pointers, and how many they are.
+  struct Several {
+    std::size_t index, count;
+  };
+  std::map<const Fact*, Several> several;
 };
 
-void add(std::vector<Reason>& reasons, const std::string& text, std::string_view pointer) {
-  auto same = std::find_if(reasons.begin(), reasons.end(),
-                           [&text](const Reason& known) { return known.text == text; });
+void add(std::vector<Reason>& reasons, const std::string& text, const Fact* fact, std::string_view pointer) {
+  const bool isOptional = fact != nullptr && fact->isOptional;
+  auto same = std::find_if(reasons.begin(), reasons.end(), [&](const Reason& known) {
+    return known.text == text && known.isOptional == isOptional;
+  });
   if (same == reasons.end()) {
-    same = reasons.insert(same, {text, {}});
+    same = reasons.insert(same, {text, isOptional, {}, {}});
   }
-  same->pointers += (same->pointers.text().empty() ? Shown() : Shown(", ")) + shown(pointer);
+  if (fact != nullptr) {
+    const auto [several, isNew] = same->several.insert({fact, {same->pointers.size(), 0}});
+    if (++several->second.count; !isNew) {
+      same->pointers[several->second.index] = say("{} ({} times)", shown(fact->place), several->second.count);
+      return;
+    }
+  }
+  same->pointers.push_back(shown(pointer));
+}
+
+Shown joined(const std::vector<Shown>& parts) {
+  Shown all;
+  for (const Shown& part : parts) {
+    all += all.text().empty() ? part : ", " + part;
+  }
+  return all;
 }
 
 bool isContainer(const Node& node) {
@@ -43,11 +70,6 @@ bool isContainer(const Node& node) {
 }
 
 }  // namespace
-
-bool DocumentView::isSilent(const Node& node) const {
-  return isContainer(node) ? node.count == 0
-                           : node.text.empty() || (node.kind == NodeKind::text && node.text == "null");
-}
 
 bool DocumentView::isSingle(const Node& node) const {
   return !isContainer(node) && withoutEnd(node.text).find('\n') == std::string_view::npos;
@@ -68,20 +90,37 @@ Shown DocumentView::titleOf(const Node& element, const Fact& array) const {
 DocumentView::Single DocumentView::singleOf(const Node& node, const std::string& pointer) const {
   const Fact* const fact = m_facts.find(pointer);
   const std::string_view text = m_lines.look().all ? node.text : node.text.substr(0, kBytesAtMost);
+  const Unit unit = fact == nullptr ? Unit::text : fact->unit;
+  const std::string_view digits = m_lines.look().all ? text : withoutDecimals(text, unit);
   Single single = {.title = fitted(titleOf(node, pointer), kTitleAtMost),
-                   .value = valueOf(text, fact == nullptr ? Unit::text : fact->unit)};
-  if (fact != nullptr && fact->chart.size() == 2) {
-    single.part = partOf(node, *fact);
+                   .value = digits.size() == text.size() ? valueOf(text, unit) : shown(digits) + "…",
+                   .part = fact == nullptr ? -1 : partOf(m_tree, node, *fact),
+                   .place = pointer,
+                   .bytes = node.text.size()};
+  if (digits.size() < text.size()) {
+    m_lines.cut();
   }
   return single;
 }
 
-/// The fact names another member as the whole: both have to be numbers.
-double DocumentView::partOf(const Node& node, const Fact& fact) const {
-  const Node* const whole = m_tree.find(fact.chart[1]);
-  const auto part = numberOf(node.text);
-  const auto all = whole == nullptr ? std::nullopt : numberOf(whole->text);
-  return part && all && *all > 0 ? static_cast<double>(*part) / static_cast<double>(*all) : -1;
+void DocumentView::lay(const Single& single, std::size_t titles, std::size_t values, std::size_t width,
+                       std::vector<Shown>& lines) {
+  Shown before = single.title + blanks(titles - columns(single.title.text()));
+  if (single.part >= 0) {
+    lines.push_back(before + single.value + blanks(values + kIndent - columns(single.value.text())) +
+                    say("{}  {}", barOf(single.part, kBarWidth), percentOf(single.part)));
+    return;
+  }
+  const std::vector<Shown> folds = folded(single.value, std::max(width, titles + kValueAtLeast) - titles);
+  const bool isCut = !m_lines.look().all && (folds.size() > kFoldsAtMost || single.bytes > kBytesAtMost);
+  for (std::size_t i = 0; i < std::min(folds.size(), isCut ? kFoldsAtMost : folds.size()); ++i) {
+    lines.push_back(before + folds[i]);
+    before = blanks(titles);
+  }
+  if (isCut) {
+    lines.push_back(before + say("… {} in all: {}", sizeOf(single.bytes), shown(single.place)));
+    m_lines.cut();
+  }
 }
 
 void DocumentView::contents(const Node& node, const std::string& pointer, std::size_t indent) {
@@ -90,7 +129,7 @@ void DocumentView::contents(const Node& node, const std::string& pointer, std::s
   } else if (isTable(m_tree, node)) {
     showTable(m_tree, node, m_facts, pointer, indent, m_lines);
   } else if (m_depth == kDepthAtMost) {
-    m_lines.rest(indent, node.count, "members deeper");
+    m_lines.rest(indent, node.count, "deeper member");
   } else {
     ++m_depth;
     if (node.kind == NodeKind::array) {
@@ -120,15 +159,10 @@ void DocumentView::singles(const Node& container, const std::string& pointer, st
   }
   std::vector<Shown> lines;
   for (const Single& single : singles) {
-    Shown line = single.title + blanks(titles + kIndent - columns(single.title.text())) + single.value;
-    if (single.part >= 0) {
-      line += blanks(values + kIndent - columns(single.value.text()));
-      line += say("{}  {}", barOf(single.part, kBarWidth), percentOf(single.part));
-    }
-    lines.push_back(line);
+    lay(single, titles + kIndent, values, m_lines.widthBehind(indent), lines);
   }
   m_lines.list(indent, lines);
-  m_lines.rest(indent, count - singles.size(), "members");
+  m_lines.rest(indent, count - singles.size(), "member");
 }
 
 void DocumentView::blocks(const Node& container, const std::string& pointer, std::size_t indent) {
@@ -139,7 +173,7 @@ void DocumentView::blocks(const Node& container, const std::string& pointer, std
       block(member, below(pointer, member), indent);
     }
   }
-  m_lines.rest(indent, count - std::min(count, most), "members");
+  m_lines.rest(indent, count - std::min(count, most), "member");
 }
 
 /// What stands below a heading.
@@ -173,7 +207,11 @@ void DocumentView::elements(const Node& array, const std::string& pointer, std::
     }
     const std::string place = pointer + "/" + std::to_string(number++);
     if (isSingle(element)) {
-      m_lines.line(indent, singleOf(element, place).value);
+      std::vector<Shown> lines;
+      Single single = singleOf(element, place);
+      single.title = {};
+      lay(single, 0, 0, m_lines.widthBehind(indent), lines);
+      m_lines.list(indent, lines);
       continue;
     }
     m_lines.gap();
@@ -184,7 +222,7 @@ void DocumentView::elements(const Node& array, const std::string& pointer, std::
     }
     section(element, place, indent + kIndent);
   }
-  m_lines.rest(indent, array.count - number, "elements");
+  m_lines.rest(indent, array.count - number, "element");
 }
 
 void DocumentView::listing(std::string_view text, std::size_t indent) {
@@ -198,14 +236,14 @@ void DocumentView::listing(std::string_view text, std::size_t indent) {
     m_lines.line(indent, shownLines(m_lines.look().all ? line : line.substr(0, kBytesAtMost)));
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
-  m_lines.rest(indent, count - most, "lines");
+  m_lines.rest(indent, count - most, "line");
 }
 
 void DocumentView::member(const Node& node, const std::string& pointer) {
   const Fact* const fact = m_facts.find(pointer);
   m_lines.heading(0, titleOf(node, pointer), shown(pointer));
   if (fact != nullptr) {
-    m_lines.line(0, shown(fact->meaning));
+    m_lines.words(0, shown(fact->meaning));
   }
   m_lines.gap();
   if (isSingle(node)) {
@@ -226,18 +264,25 @@ void DocumentView::silent(const StatusSink& status) {
   m_lines.gap();
   m_lines.heading(0, say("Did not answer: {} of {}", count, status.asked()), {});
   const std::size_t most = m_lines.most(count, kMembersAtMost);
+  const std::vector<std::string> missing = missingNeeds(m_tree, m_facts);
   std::vector<Reason> reasons;
   std::size_t taken = 0;
   status.silent().forEach([&](Silence silence, std::string_view pointer) {
     if (taken++ < most) {
-      add(reasons, reasonOf(m_facts.find(pointer), silence), pointer);
+      const Fact* const fact = m_facts.find(pointer);
+      const bool isMissing =
+          fact != nullptr && std::find(missing.begin(), missing.end(), fact->needs) != missing.end();
+      add(reasons, isMissing ? reasonOf(m_facts.find(fact->needs), Silence::array) : reasonOf(fact, silence),
+          fact, pointer);
     }
   });
+  std::stable_partition(reasons.begin(), reasons.end(),
+                        [](const Reason& reason) { return !reason.isOptional; });
   for (const Reason& reason : reasons) {
     m_lines.words(kIndent, reason.text.empty() ? "Nothing tells why." : shown(reason.text));
-    m_lines.words(2 * kIndent, reason.pointers);
+    m_lines.words(2 * kIndent, joined(reason.pointers));
   }
-  m_lines.rest(kIndent, count - most, "members");
+  m_lines.rest(kIndent, count - most, "member");
 }
 
 }  // namespace tarn

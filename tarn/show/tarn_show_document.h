@@ -26,15 +26,19 @@ class DocumentView {
   /// A value that is shown on one line behind its title.
   struct Single {
     Shown title, value;
-    double part = -1;  ///< of the whole that its fact names; -1 when there is none
+    double part = -1;   ///< of the whole that its fact names; -1 when there is none
+    std::string place;  ///< its pointer
+    std::size_t bytes;  ///< of the whole text
   };
 
-  bool isSilent(const Node& node) const;
   bool isSingle(const Node& node) const;
   Shown titleOf(const Node& node, const std::string& pointer) const;
   Shown titleOf(const Node& element, const Fact& array) const;
   Single singleOf(const Node& node, const std::string& pointer) const;
-  double partOf(const Node& node, const Fact& fact) const;
+  /// The lines of a value behind its title, whose column is that wide; a long one is folded, and cut when it
+  /// goes on and on.
+  void lay(const Single& single, std::size_t titles, std::size_t values, std::size_t width,
+           std::vector<Shown>& lines);
 
   void singles(const Node& container, const std::string& pointer, std::size_t indent);
   void blocks(const Node& container, const std::string& pointer, std::size_t indent);

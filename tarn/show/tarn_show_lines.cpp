@@ -13,6 +13,7 @@ constexpr std::size_t kWide = 120;         // from here on short lines stand bes
 constexpr std::size_t kGutter = 4;         // between them
 constexpr std::size_t kShortest = 4;       // lines that a column has
 constexpr std::size_t kWidthAtLeast = 20;  // behind an indent, however deep
+constexpr std::size_t kSpare = 2;          // more than the most that are shown all the same
 
 Shown styled(bool on, const Shown& begin, const Shown& text) {
   return on ? begin + text + "\x1b[0m" : text;
@@ -21,7 +22,7 @@ Shown styled(bool on, const Shown& begin, const Shown& text) {
 }  // namespace
 
 std::size_t Lines::most(std::size_t count, std::size_t most) {
-  return m_look.all ? count : std::min(count, most);
+  return m_look.all || count <= most + kSpare ? count : most;
 }
 
 std::size_t Lines::widthBehind(std::size_t indent) const {
@@ -59,19 +60,24 @@ void Lines::list(std::size_t indent, const std::vector<Shown>& lines) {
 }
 
 void Lines::words(std::size_t indent, const Shown& text) {
-  const std::size_t width = std::min(widthBehind(indent), kWordsAtMost);
-  Shown words;
-  for (std::string_view rest = text.text(); !rest.empty();) {
-    const std::size_t end = std::min(rest.find(' '), rest.size());
-    const Shown word = shown(rest.substr(0, end));
-    if (!words.text().empty() && columns(words.text()) + 1 + columns(word.text()) > width) {
-      line(indent, words);
-      words = {};
-    }
-    words += words.text().empty() ? word : " " + word;
-    rest.remove_prefix(std::min(end + 1, rest.size()));
+  for (const Shown& words : folded(text, std::min(widthBehind(indent), kWordsAtMost))) {
+    line(indent, words);
   }
-  line(indent, words);
+}
+
+void Lines::labelled(std::size_t indent, const std::vector<Labelled>& lines) {
+  std::size_t widest = 0;
+  for (const Labelled& one : lines) {
+    widest = std::max(widest, columns(one.label.text()));
+  }
+  const std::size_t behind = indent + widest + kGap;
+  for (const Labelled& one : lines) {
+    Shown before = one.label + blanks(widest + kGap - columns(one.label.text()));
+    for (const Shown& words : folded(one.text, std::min(widthBehind(behind), kWordsAtMost))) {
+      line(indent, before + words);
+      before = blanks(widest + kGap);
+    }
+  }
 }
 
 void Lines::gap() {
@@ -95,7 +101,7 @@ void Lines::heading(std::size_t indent, const Shown& title, const Shown& where) 
 
 void Lines::rest(std::size_t indent, std::size_t count, const Shown& what) {
   if (count > 0) {
-    line(indent, say("… {} more {}", count, what));
+    line(indent, say("… {} more {}{}", count, what, count == 1 ? Shown() : Shown("s")));
     m_hasCut = true;
   }
 }

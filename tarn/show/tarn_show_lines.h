@@ -15,6 +15,11 @@ struct Look {
   bool styled = false;
 };
 
+/// A text behind a label.
+struct Labelled {
+  Shown label, text;
+};
+
 class Lines {
  public:
   using Print = std::function<void(const Shown& line)>;
@@ -22,7 +27,8 @@ class Lines {
   Lines(Print print, const Look& look) : m_print(std::move(print)), m_look(look) {}
 
   const Look& look() const { return m_look; }
-  /// How many of `count` are shown, where more than `most` are too many for a page.
+  /// How many of `count` are shown, where more than `most` are too many for a page. One or two more take no
+  /// more room than the word that they are missing.
   std::size_t most(std::size_t count, std::size_t most);
   /// Columns behind an indent.
   std::size_t widthBehind(std::size_t indent) const;
@@ -31,14 +37,18 @@ class Lines {
   /// Short lines, in order: below each other, or on a wide terminal in columns beside each other, each read
   /// downwards.
   void list(std::size_t indent, const std::vector<Shown>& lines);
+  /// Each text behind its label, the texts below each other, on as many lines as they need.
+  void labelled(std::size_t indent, const std::vector<Labelled>& lines);
   /// Words, on as many lines as they need.
   void words(std::size_t indent, const Shown& text);
   /// An empty line; several of them are one.
   void gap();
   /// A title, and behind it where it stands.
   void heading(std::size_t indent, const Shown& title, const Shown& where);
-  /// What was left out: "… 12 more rows".
+  /// What was left out: "… 12 more rows", where `what` is a row.
   void rest(std::size_t indent, std::size_t count, const Shown& what);
+  /// Something was left out, or shortened.
+  void cut() { m_hasCut = true; }
 
   /// How many lines there are so far, but for empty ones.
   std::size_t count() const { return m_count; }

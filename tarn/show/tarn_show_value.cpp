@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t kDigitsAtMost = 18;
 constexpr double kStep = 1024;
+constexpr std::size_t kDecimals = 2;
 
 /// At least 1 KiB; a decimal where it tells something.
 Shown binary(std::uint64_t bytes) {
@@ -53,6 +54,40 @@ Shown valueOf(std::string_view text, Unit unit) {
   return shown(withoutEnd(text));
 }
 
+Shown sizeOf(std::uint64_t bytes) {
+  return bytes < 1024 ? say("{} bytes", bytes) : valueOf(std::to_string(bytes), Unit::bytes);
+}
+
+std::string_view withoutDecimals(std::string_view text, Unit unit) {
+  const bool isNumber = unit == Unit::number || unit == Unit::count || unit == Unit::pages;
+  const std::size_t point = text.find('.');
+  if (!isNumber || point == std::string_view::npos || text.size() - point <= kDecimals + 2 ||
+      !numberOf(text.substr(0, point)) ||
+      text.find_first_not_of("0123456789", point + 1) != std::string_view::npos) {
+    return text;
+  }
+  return text.substr(0, point + 1 + kDecimals);
+}
+
+Shown brieflyOf(std::string_view text, Unit unit) {
+  const std::optional<std::uint64_t> number = numberOf(text);
+  return number && unit == Unit::bytes && *number >= 1024 ? binary(*number) : valueOf(text, unit);
+}
+
+bool isSilent(const Node& node) {
+  if (node.kind == NodeKind::object || node.kind == NodeKind::array) {
+    return node.count == 0;
+  }
+  return node.text.empty() || (node.kind == NodeKind::text && node.text == "null");
+}
+
+double partOf(const Tree& tree, const Node& node, const Fact& fact) {
+  const Node* const whole = fact.chart.size() == 2 ? tree.find(fact.chart[1]) : nullptr;
+  const auto part = numberOf(node.text);
+  const auto all = whole == nullptr ? std::nullopt : numberOf(whole->text);
+  return part && all && *all > 0 ? static_cast<double>(*part) / static_cast<double>(*all) : -1;
+}
+
 Shown barOf(double part, std::size_t width) {
   const double filled = std::round(std::clamp(part, 0.0, 1.0) * static_cast<double>(width));
   Shown bar;
@@ -63,7 +98,7 @@ Shown barOf(double part, std::size_t width) {
 }
 
 Shown percentOf(double part) {
-  return say("{:.0f} %", part * 100);
+  return part > 0 && part < 0.005 ? Shown("<1 %") : say("{:.0f} %", part * 100);
 }
 
 }  // namespace tarn

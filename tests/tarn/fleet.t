@@ -17,14 +17,14 @@ Conditions: the first operator outside of brackets; numbers as numbers, versions
 number and by star; volatile facts, too.
 
   $ where() { tarn fleet where "$@" --json | jq -r '.host + " " + ([.facts[].value[:12]] | join(" "))'; }
-  $ where '/databaseInfo[name=SALES]/bufferpools[BPNAME=main]/NPAGES>9000' '/instanceInfo/version<15.0.100'
-  db1 32768 15.0.18
-  db2 32768 15.0.18
+  $ where '/databaseInfo[name=SALES]/bufferpools[BPNAME=main]/NPAGES>9000' '/instanceInfo/version<15.2'
+  db1 32768 15.18
+  db2 32768 15.18
   $ where '/databaseInfo/0/bufferpools[BPNAME=main]/NPAGES<9000'
   $ where '/instanceInfo/version<15'
   $ where '/instanceInfo/version>15' '/instanceInfo/version<16'
-  db1 15.0.18 15.0.18
-  db2 15.0.18 15.0.18
+  db1 15.18 15.18
+  db2 15.18 15.18
   $ where '/platformInfo/physMemFree>800000000' '*~MB'
   db1 900100200 max_connecti
   $ where '/instanceInfo/fixPack='

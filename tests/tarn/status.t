@@ -2,13 +2,13 @@ Lines stand below each other, whatever documents hold; what is not whole has its
 
   $ cd "$TARN_FIXTURES"
   $ tarn status sample.json postgresql.json alone.json
-  whole   71 of  82 answered  SAMPLE       db1  2026-11-21  SQLite 3.39.3       strict, names repeat  sample.json
-  whole   66 of  82 answered  SHOP         db2  2026-11-21  PostgreSQL 15.0.18  strict, names repeat  postgresql.json
-  whole   31 of  47 answered  no database  db1  -           -                   strict                alone.json
+  whole   71 of  82 answered  SAMPLE       db1  2026-11-21  SQLite 3.40.1     strict, names repeat  sample.json
+  whole   66 of  82 answered  SHOP         db2  2026-11-21  PostgreSQL 15.18  strict, names repeat  postgresql.json
+  whole   31 of  47 answered  no database  db1  -           -                 strict                alone.json
   $ tarn status cut.json damaged.json - <binary.json
-  cut       16 of  20 answered  SAMPLE       -  2026-11-21            SQLite 3.39.3       not strict  cut.json:53:31: cut in /databaseInfo/0/bufferpools/0: ends inside an object
-  damaged    7 of  14 answered  -            -  2026-11-21            PostgreSQL 15.0.18  not strict  damaged.json:20:16: damaged in /databaseInfo/0/seed: has a NUL byte in a string
-  whole      7 of   7 answered  no database  -  2026-11-21T19:52:20Z  -                   not strict  -
+  cut       16 of  20 answered  SAMPLE       -  2026-11-21            SQLite 3.40.1     not strict  cut.json:53:31: cut in /databaseInfo/0/bufferpools/0: ends inside an object
+  damaged    7 of  14 answered  -            -  2026-11-21            PostgreSQL 15.18  not strict  damaged.json:20:16: damaged in /databaseInfo/0/seed: has a NUL byte in a string
+  whole      7 of   7 answered  no database  -  2026-11-21T19:52:20Z  -                 not strict  -
   [1]
   $ tarn status -v hostile.json | grep -cP '[\x00-\x08\x0b-\x1f\x7f]'
   0
