@@ -94,9 +94,13 @@ void brief(const Tree& tree, const Facts& facts, const StatusSink& status, Lines
 void head(const ShowOptions& options, const Tree& tree, const StatusSink& status, std::uint64_t bytes,
           Lines& lines) {
   const Shown name = nameOf(status.roles(), tree.ending().state == State::whole);
-  lines.heading(0, name.text().empty() ? shown(options.file) : name, {});
+  if (!name.text().empty()) {
+    lines.heading(0, name, {});
+  }
+  const bool isForeign = tree.ending().state == State::whole && !status.isDocument();
   const Shown counted =
-      say("{} of {} members answered, {}", status.answered(), status.asked(), sizeOf(bytes));
+      isForeign ? say("no document of a collector, {}", sizeOf(bytes))
+                : say("{} of {} members answered, {}", status.answered(), status.asked(), sizeOf(bytes));
   if (tree.ending().state == State::whole) {
     lines.line(0, say("{}: {}", shown(options.file), counted));
   } else {

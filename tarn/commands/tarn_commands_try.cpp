@@ -96,7 +96,7 @@ std::vector<Shown> linesOf(std::string_view text) {
   std::vector<Shown> lines;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
-    lines.push_back(shown(text.substr(0, end)));
+    lines.push_back(shownLines(text.substr(0, end)));
     text.remove_prefix(std::min(end + 1, text.size()));
   }
   return lines;

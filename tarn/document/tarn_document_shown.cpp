@@ -71,6 +71,8 @@ std::size_t bytesIn(std::string_view text, std::size_t width) {
   return end;
 }
 
+constexpr std::size_t kTabStop = 8;
+
 struct Likeness {
   std::string_view sign, like;
 };
@@ -94,11 +96,19 @@ Shown shown(std::string_view foreign) {
 
 Shown shownLines(std::string_view foreign) {
   Shown result;
+  std::size_t column = 0;
   while (!foreign.empty()) {
     const std::size_t end = std::min(foreign.find_first_of("\n\t"), foreign.size());
-    result += shown(foreign.substr(0, end));
-    if (end < foreign.size()) {
-      result.m_text += foreign[end] == '\n' ? '\n' : ' ';
+    const Shown part = shown(foreign.substr(0, end));
+    result += part;
+    column += columns(part.m_text);
+    if (end < foreign.size() && foreign[end] == '\t') {
+      const Shown gap = blanks(kTabStop - column % kTabStop);
+      result += gap;
+      column += gap.m_text.size();
+    } else if (end < foreign.size()) {
+      result.m_text += '\n';
+      column = 0;
     }
     foreign.remove_prefix(std::min(end + 1, foreign.size()));
   }

@@ -48,7 +48,7 @@ class Shown {
 
 /// Foreign text on one line: line feeds are shown as `\x0a`.
 Shown shown(std::string_view foreign);
-/// Foreign text that may go over several lines: line feeds stay, and a tab is a blank.
+/// Foreign text that may go over several lines: line feeds stay, and tabs are blanks up to the next stop.
 Shown shownLines(std::string_view foreign);
 
 /// The text if it is not wider than that many columns, else its beginning with "…" behind it.

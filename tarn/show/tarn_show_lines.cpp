@@ -35,9 +35,7 @@ std::size_t Lines::widthBehind(std::size_t indent) const {
 void Lines::line(std::size_t indent, const Shown& text) {
   const Shown fits = fitted(text, widthBehind(indent));
   m_hasCut = m_hasCut || fits.text().size() != text.text().size();
-  m_print(text.text().empty() ? Shown() : blanks(indent) + fits);
-  ++m_count;
-  m_isGap = false;
+  print(text.text().empty() ? Shown() : blanks(indent) + fits);
 }
 
 void Lines::list(std::size_t indent, const std::vector<Shown>& lines) {
@@ -80,11 +78,13 @@ void Lines::labelled(std::size_t indent, const std::vector<Labelled>& lines) {
   }
 }
 
-void Lines::gap() {
-  if (!m_isGap) {
+void Lines::print(const Shown& line) {
+  if (m_wantsGap) {
     m_print({});
   }
-  m_isGap = true;
+  m_print(line);
+  m_wantsGap = false;
+  ++m_count;
 }
 
 void Lines::heading(std::size_t indent, const Shown& title, const Shown& where) {
@@ -94,9 +94,7 @@ void Lines::heading(std::size_t indent, const Shown& title, const Shown& where) 
   if (const std::size_t taken = columns(head.text()) + kGap; !where.text().empty() && taken < width) {
     line += blanks(kGap) + styled(m_look.styled, "\x1b[2m", fitted(where, width - taken));
   }
-  m_print(line);
-  ++m_count;
-  m_isGap = false;
+  print(line);
 }
 
 void Lines::rest(std::size_t indent, std::size_t count, const Shown& what) {

@@ -41,8 +41,8 @@ class Lines {
   void labelled(std::size_t indent, const std::vector<Labelled>& lines);
   /// Words, on as many lines as they need.
   void words(std::size_t indent, const Shown& text);
-  /// An empty line; several of them are one.
-  void gap();
+  /// An empty line before the next one, but for the first.
+  void gap() { m_wantsGap = m_count > 0; }
   /// A title, and behind it where it stands.
   void heading(std::size_t indent, const Shown& title, const Shown& where);
   /// What was left out: "… 12 more rows", where `what` is a row.
@@ -56,10 +56,12 @@ class Lines {
   bool hasCut() const { return m_hasCut; }
 
  private:
+  void print(const Shown& line);
+
   Print m_print;
   Look m_look;
   std::size_t m_count = 0;
-  bool m_hasCut = false, m_isGap = true;
+  bool m_hasCut = false, m_wantsGap = false;
 };
 
 }  // namespace tarn

@@ -113,6 +113,24 @@ Long tables and listings say what is left; wide ones, which columns do not fit; 
   tarn: long.json: has no /none
   [2]
 
+How old it is is counted from now. A terminal without UTF-8 is shown ASCII, and nothing but that.
+
+  $ for days in 0 1 3 -3; do
+  >   echo "{\"collected\": \"$(date -u -d "$days days ago" +%FT%TZ)\"}" | tarn show | sed -n 4p
+  > done
+    Collected  today
+    Collected  yesterday
+    Collected  3 days ago
+    Collected  in 3 days: a clock is wrong
+  $ LC_ALL=C script -qc "tarn show small.json" typescript </dev/null >/dev/null
+  $ grep -a 'free  \|NULL' typescript
+    Memory free  1 KiB (1024)  #####...............  25 %\r (esc)
+    Disk free    99            ##..................  10 %\r (esc)
+      \\u{9577}\\u{3044}   NULL            12\r (esc)
+  $ grep -caP '[^\x00-\x7f]' typescript
+  0
+  [1]
+
 Nothing of a hostile document gets out as a control sequence; what is not whole is shown as far as it is.
 
   $ cd "$TARN_FIXTURES"
@@ -125,8 +143,7 @@ Nothing of a hostile document gets out as a control sequence; what is not whole 
   $ tarn show damaged.json >/dev/null
   [1]
   $ echo '[[1, "x"], null]' | tarn show
-  -
-  -: 0 of 0 members answered, 17 bytes
+  -: no document of a collector, 17 bytes
   
   /0
     1
