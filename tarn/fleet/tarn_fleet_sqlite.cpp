@@ -15,7 +15,7 @@ namespace tarn {
 namespace {
 
 constexpr std::int64_t kApplication = 0x7461726E;  // "tarn"
-constexpr std::int64_t kForm = 2;
+constexpr std::int64_t kForm = 3;
 
 constexpr const char* kFindRows = "SELECT since, place, value, void FROM fact WHERE host = ? ORDER BY since";
 constexpr const char* kFindDocuments =
