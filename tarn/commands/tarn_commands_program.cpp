@@ -1,6 +1,7 @@
 #include "tarn/commands/tarn_commands_program.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <new>
 
 #include "tarn/commands/tarn_commands_command.h"
@@ -36,6 +37,19 @@ void declare(CLI::App& program, const Command& command, Run* chosen) {
   parser->callback([run = command.bind(line), chosen] { *chosen = run; });
 }
 
+std::string_view firstWord(const Command& command) {
+  return std::string_view(command.name).substr(0, command.name.find(' '));
+}
+
+/// The word that chooses among the commands, when it comes first; else nothing.
+std::string_view firstWord(int argc, char** argv) {
+  const std::string_view first = argc > 1 ? argv[1] : "";
+  const auto& all = commands();
+  const bool isKnown = std::any_of(all.begin(), all.end(),
+                                   [&](const Command& command) { return firstWord(command) == first; });
+  return isKnown ? first : "";
+}
+
 int statusOf(Outcome outcome, const Console& console) {
   return console.troubled() ? 2 : outcome == Outcome::something ? 1 : 0;
 }
@@ -56,21 +70,23 @@ int answer(const CLI::App& program, const CLI::ParseError& said, Console& consol
 
 }  // namespace
 
-std::unique_ptr<CLI::App> makeParser(Run* chosen) {
+std::unique_ptr<CLI::App> makeParser(Run* chosen, std::string_view first) {
   auto program = std::make_unique<CLI::App>(
       "Checks templates, and reads, compares, redacts and keeps the documents that mirel makes.", "tarn");
   program->set_version_flag("--version", "tarn " TARN_VERSION, "Print the version and end");
   program->set_help_flag("--help", "Print this help and end");
   program->require_subcommand(1);
   for (const Command& command : commands()) {
-    declare(*program, command, chosen);
+    if (first.empty() || firstWord(command) == first) {
+      declare(*program, command, chosen);
+    }
   }
   return program;
 }
 
 int runProgram(int argc, char** argv, Console& console) {
   Run chosen;
-  const std::unique_ptr<CLI::App> program = makeParser(&chosen);
+  const std::unique_ptr<CLI::App> program = makeParser(&chosen, firstWord(argc, argv));
   try {
     program->parse(argc, argv);
     const Outcome outcome = chosen(console);

@@ -1,6 +1,7 @@
 #pragma once
 #include <functional>
 #include <memory>
+#include <string_view>
 
 #include "tarn/commands/tarn_commands_command.h"
 
@@ -12,9 +13,10 @@ namespace tarn {
 
 using Run = std::function<Outcome(Console&)>;
 
-/// The parser of the command line with all commands in it; help and the manual are written from it. What a
-/// parsed line asks for is left in `chosen`.
-std::unique_ptr<CLI::App> makeParser(Run* chosen);
+/// The parser of the command line with all commands in it; help and the manual are written from it. With
+/// `first` it knows only the commands that begin with this word, since each costs every start a little. What
+/// a parsed line asks for is left in `chosen`.
+std::unique_ptr<CLI::App> makeParser(Run* chosen, std::string_view first = {});
 
 /// One call of tarn: reads the command line, runs the command. The exit status: 0 nothing found, 1 something
 /// found, 2 trouble.

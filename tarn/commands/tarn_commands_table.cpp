@@ -24,30 +24,36 @@ Command fleetGetCommand();
 Command fleetPageCommand();
 
 const std::vector<Command>& commands() {
-  // clang-format off
-  static const std::vector<Command> all = {
-      strictCommand(),
-      statusCommand(),
-      showCommand(),
-      pageCommand(),
-      diffCommand(),
-      redactCommand(),
-      restoreCommand(),
-      templateCommand(),
-      checkCommand(),
-      planCommand(),
-      tryCommand(),
-      fleetCommand(),
-      fleetLoadCommand(),
-      fleetHostsCommand(),
-      fleetWhereCommand(),
-      fleetSpreadCommand(),
-      fleetHistoryCommand(),
-      fleetDriftCommand(),
-      fleetGetCommand(),
-      fleetPageCommand(),
-  };
-  // clang-format on
+  static const std::vector<Command> all = [] {
+    std::vector<Command> rows;
+    // clang-format off
+    for (Command (*const row)() : {
+             strictCommand,
+             statusCommand,
+             showCommand,
+             pageCommand,
+             diffCommand,
+             redactCommand,
+             restoreCommand,
+             templateCommand,
+             checkCommand,
+             planCommand,
+             tryCommand,
+             fleetCommand,
+             fleetLoadCommand,
+             fleetHostsCommand,
+             fleetWhereCommand,
+             fleetSpreadCommand,
+             fleetHistoryCommand,
+             fleetDriftCommand,
+             fleetGetCommand,
+             fleetPageCommand,
+         }) {
+      rows.push_back(row());
+    }
+    // clang-format on
+    return rows;
+  }();
   return all;
 }
 

@@ -4,8 +4,10 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -48,7 +50,9 @@ class ErrorCatcher {
     close(m_before);
   }
   std::string take() {
-    std::string text(kErrorShown, '\0');
+    struct stat about = {};
+    fstat(m_caught, &about);
+    std::string text(std::min(kErrorShown, static_cast<std::size_t>(about.st_size)), '\0');
     const ssize_t length = pread(m_caught, text.data(), text.size(), 0);
     text.resize(length < 0 ? 0 : static_cast<std::size_t>(length));
     close(m_caught);

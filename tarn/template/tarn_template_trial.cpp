@@ -90,7 +90,7 @@ class Recorder final : public Witness, public WalkSink {
   /// What tarn check would say of the command, and what its rows were.
   void noteCommand(const Words& words) {
     Findings findings;
-    for (const Rule& rule : commandRules()) {
+    for (const Rule& rule : m_rules) {
       if (rule.look == Look::command) {
         findings.begin(rule);
         rule.find({m_source, nullptr, {m_attempt.command, 0}, &words}, findings);
@@ -127,6 +127,7 @@ class Recorder final : public Witness, public WalkSink {
 
   const TemplateSource& m_source;
   const std::function<void(const Attempt&)>& m_tell;
+  const std::vector<Rule> m_rules = commandRules();
   Attempt m_attempt;
   RowNotes m_rows;
   Clock::time_point m_began;
