@@ -111,9 +111,8 @@ FleetProblem SqliteFleet::create() {
   if (hasTables()) {
     checkForm();
   }
-  m_connection.run(
-      "PRAGMA page_size = 8192; PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL; PRAGMA cache_size = "
-      "-131072");
+  m_connection.run("PRAGMA page_size = 8192; PRAGMA synchronous = NORMAL; PRAGMA cache_size = -131072");
+  m_connection.runAlone("PRAGMA journal_mode = WAL");
   m_connection.run("BEGIN IMMEDIATE");
   if (!hasTables()) {
     m_connection.run(std::string(packedSql("sqlite/schema")));

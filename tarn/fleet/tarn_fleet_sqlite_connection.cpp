@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstring>
+#include <thread>
 #include <utility>
 
 namespace tarn {
@@ -13,6 +15,7 @@ namespace tarn {
 namespace {
 
 constexpr int kWait = 1000;  // milliseconds that SQLite itself waits for others
+constexpr int kPause = 10;   // milliseconds, where it does not
 
 /// What documents tell may be secret, so what keeps it is the owner's until he says otherwise.
 FleetProblem touch(const std::string& file, bool mustExist) {
@@ -48,6 +51,20 @@ void SqliteConnection::open(const std::string& file, bool mustExist) {
 
 void SqliteConnection::run(const std::string& statements) {
   if (isGood() && sqlite3_exec(m_handle, statements.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+    fail();
+  }
+}
+
+void SqliteConnection::runAlone(const char* statement) {
+  int code = SQLITE_OK;
+  for (int waited = 0; isGood() && waited <= kWait; waited += kPause) {
+    code = sqlite3_exec(m_handle, statement, nullptr, nullptr, nullptr);
+    if (code != SQLITE_BUSY) {
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(kPause));
+  }
+  if (code != SQLITE_OK) {
     fail();
   }
 }

@@ -25,6 +25,8 @@ class SqliteConnection {
   void open(const std::string& file, bool mustExist);
   /// Runs statements that give no rows.
   void run(const std::string& statements);
+  /// Runs a statement that has the file to itself, for which SQLite does not wait.
+  void runAlone(const char* statement);
   /// The first column of the first row, 0 when there is none.
   std::int64_t number(std::string_view query);
 
