@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "tarn/document/tarn_document_nameless.h"
+#include "tarn/document/tarn_document_source.h"
 
 namespace tarn {
 
@@ -62,7 +63,8 @@ Console::Console(int input, int output, int error)
       m_output(output),
       m_error(error),
       m_plainOutput(isPlain(output)),
-      m_plainError(isPlain(error)) {}
+      m_plainError(isPlain(error)),
+      m_showsProgress(isatty(error) != 0) {}
 
 void Console::line(const Shown& text) {
   bytes(m_plainOutput ? plain(text).text() : text.text());
@@ -78,6 +80,13 @@ void Console::bytes(std::string_view exact) {
   if (m_kept.size() >= kKeptAtMost) {
     flush();
   }
+}
+
+/// What goes wrong here goes wrong again, and is told, when the bytes are read and written.
+std::size_t Console::pass(Source& source, std::size_t count) {
+  flush();
+  hideProgress();
+  return m_lost ? 0 : source.send(m_output, count);
 }
 
 void Console::problem(std::string_view file, const Place& place, const Shown& text) {
@@ -109,14 +118,17 @@ void Console::tell(const Shown& text) {
 }
 
 void Console::progress(const Shown& text) {
-  const std::int64_t now = milliseconds();
-  if (now - m_progressTime < kProgressPause || isatty(m_error) == 0) {
+  if (!isProgressDue()) {
     return;
   }
-  m_progressTime = now;
+  m_progressTime = milliseconds();
   m_progressShown = true;
   const std::size_t width = widthOf(m_error);
   writeAll(m_error, "\r\x1b[K" + std::string(cutTo(text.text(), width > 1 ? width - 1 : kUsualWidth - 1)));
+}
+
+bool Console::isProgressDue() const {
+  return m_showsProgress && milliseconds() - m_progressTime >= kProgressPause;
 }
 
 void Console::hideProgress() {

@@ -11,6 +11,8 @@
 
 namespace tarn {
 
+class Source;
+
 class Console {
  public:
   /// Descriptors, not owned. `input` is what the file name "-" stands for.
@@ -22,6 +24,9 @@ class Console {
   void line(const Shown& text);
   /// Bytes that a reader asked for as they are: a document, JSON, a page. Nothing is added.
   void bytes(std::string_view exact);
+  /// The same for the next bytes of a source, at most `count`, where the system copies them by itself. How
+  /// many they were; when 0 they have to be read.
+  std::size_t pass(Source& source, std::size_t count);
 
   /// `tarn: FILE:LINE:COLUMN: text` or `tarn: FILE: text` or `tarn: text` on standard error. A problem is
   /// what a command looks for; trouble is what keeps it from looking, and makes the exit status 2.
@@ -35,6 +40,8 @@ class Console {
   /// Replaces the progress line on a terminal's standard error, at most ten times a second; nothing
   /// elsewhere.
   void progress(const Shown& text);
+  /// Whether the progress line would be replaced now.
+  bool isProgressDue() const;
 
   int input() const { return m_input; }
   bool outputIsTerminal() const;
@@ -54,6 +61,7 @@ class Console {
   int m_input, m_output, m_error;
   bool m_plainOutput, m_plainError;  ///< nothing but ASCII is shown there
   std::string m_kept;
+  const bool m_showsProgress;
   bool m_troubled = false, m_lost = false, m_progressShown = false;
   std::int64_t m_progressTime = 0;
 };

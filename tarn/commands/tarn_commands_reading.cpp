@@ -12,7 +12,7 @@ constexpr std::uint64_t kMegabyte = 1'000'000;
 
 /// Of a document that takes a while.
 void showProgress(Console& console, const std::string& file, const Source& source) {
-  if (source.position() < kMegabyte) {
+  if (source.position() < kMegabyte || !console.isProgressDue()) {
     return;
   }
   const Shown read = say("{}: {} MB", shown(file), Shown(source.position() / kMegabyte));
@@ -48,6 +48,14 @@ std::string_view nextBlock(Console& console, const std::string& file, Source& so
     showProgress(console, file, source);
   }
   return block;
+}
+
+void passOn(Console& console, const std::string& file, Source& source, std::uint64_t until) {
+  std::size_t passed = 1;
+  while (passed > 0 && source.position() < until) {
+    passed = console.pass(source, std::min(kMegabyte, until - source.position()));
+    showProgress(console, file, source);
+  }
 }
 
 std::optional<Ending> readAll(Console& console, const std::string& file, Source& source, Reader& reader) {

@@ -21,6 +21,9 @@ bool openSource(Console& console, const std::string& file, Source::Passes passes
 /// The next block, progress shown; empty at the end, or when reading failed, which the console was told.
 std::string_view nextBlock(Console& console, const std::string& file, Source& source);
 
+/// Hands the source on to the console's output up to an offset as far as the system can do that by itself.
+void passOn(Console& console, const std::string& file, Source& source, std::uint64_t until);
+
 /// Reads the source through the reader to its end. Nothing when reading failed; the console was told.
 std::optional<Ending> readAll(Console& console, const std::string& file, Source& source, Reader& reader);
 

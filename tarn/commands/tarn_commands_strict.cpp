@@ -131,6 +131,8 @@ class Part {
     }
     return block;
   }
+  /// What the system copies by itself of the blocks that come next.
+  void passOn() { tarn::passOn(m_console, m_file, m_source, m_until); }
 
  private:
   Console& m_console;
@@ -142,6 +144,7 @@ class Part {
 void copy(Console& console, Part& part, std::uint64_t from) {
   for (std::string_view block = part.next(); !block.empty(); block = part.next()) {
     console.bytes(block.substr(part.offset() == 0 ? from : 0));
+    part.passOn();
   }
 }
 

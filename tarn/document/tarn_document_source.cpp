@@ -1,6 +1,7 @@
 #include "tarn/document/tarn_document_source.h"
 
 #include <fcntl.h>
+#include <sys/sendfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,7 +43,7 @@ std::optional<std::string> Source::open(const std::string& path, int input, Pass
   m_start = lseek(m_input, 0, SEEK_CUR);
   m_canSeek = S_ISREG(about.st_mode) && m_start >= 0;
   m_size = m_canSeek && about.st_size > m_start ? static_cast<std::uint64_t>(about.st_size - m_start) : 0;
-  m_buffer.resize(kBlock);
+  m_buffer = std::make_unique_for_overwrite<char[]>(kBlock);
   return std::nullopt;
 }
 
@@ -54,8 +55,8 @@ void Source::fail() {
 
 /// Fills the buffer, so that a document that fits is never read twice.
 bool Source::fill() {
-  for (m_length = 0; m_length < m_buffer.size();) {
-    const ssize_t count = read(m_input, m_buffer.data() + m_length, m_buffer.size() - m_length);
+  for (m_length = 0; m_length < kBlock;) {
+    const ssize_t count = read(m_input, m_buffer.get() + m_length, kBlock - m_length);
     if (count == 0) {
       m_isLast = true;
       break;
@@ -76,7 +77,7 @@ bool Source::keep() {
   }
   m_isKept = true;
   m_spool = m_spool == -1 ? namelessFile() : m_spool;
-  return m_spool != -1 && writeAll(m_spool, {m_buffer.data(), m_length});
+  return m_spool != -1 && writeAll(m_spool, {m_buffer.get(), m_length});
 }
 
 std::string_view Source::next() {
@@ -91,7 +92,17 @@ std::string_view Source::next() {
   }
   m_isReplayed = false;
   m_position += m_length;
-  return {m_buffer.data(), m_length};
+  return {m_buffer.get(), m_length};
+}
+
+std::size_t Source::send(int output, std::size_t count) {
+  const ssize_t sent = m_canSeek && !m_isReplayed ? sendfile(output, m_input, nullptr, count) : 0;
+  if (sent <= 0) {
+    return 0;
+  }
+  m_isFirst = false;
+  m_position += static_cast<std::uint64_t>(sent);
+  return static_cast<std::size_t>(sent);
 }
 
 void Source::rewind() {

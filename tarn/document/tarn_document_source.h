@@ -5,6 +5,7 @@
 /// that is at hand still.
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +27,9 @@ class Source {
 
   /// The next bytes, valid until the next call; none at the end, and where reading failed.
   std::string_view next();
+  /// Writes bytes that `next` would give to a descriptor, at most `count`, without reading them. How many
+  /// they were, 0 where the system cannot do that with these two files, or failed.
+  std::size_t send(int output, std::size_t count);
   /// Begins again, also before the end was reached. What no pass has read yet is not kept.
   void rewind();
   /// A message of the system's when reading, or keeping what was read, failed.
@@ -46,9 +50,9 @@ class Source {
   bool m_isOwn = false, m_again = false, m_canSeek = false;
   bool m_isFirst = true, m_isLast = false;  ///< the block in the buffer
   bool m_isKept = true, m_isReplayed = false;
-  std::int64_t m_start = 0;  ///< where the first pass began
-  std::string m_buffer;
-  std::size_t m_length = 0;  ///< of the block in the buffer
+  std::int64_t m_start = 0;          ///< where the first pass began
+  std::unique_ptr<char[]> m_buffer;  ///< what a short document does not need of it is not touched
+  std::size_t m_length = 0;          ///< of the block in the buffer
   std::uint64_t m_position = 0, m_size = 0;
   std::optional<std::string> m_problem;
 };
