@@ -8,7 +8,7 @@
 #include "tarn/commands/tarn_commands_line.h"
 #include "tarn/commands/tarn_commands_members.h"
 #include "tarn/commands/tarn_commands_outputs.h"
-#include "tarn/fleet/tarn_fleet_store.h"
+#include "tarn/fleet/load/tarn_fleet_store.h"
 
 namespace tarn {
 

@@ -7,7 +7,7 @@
 #include "tarn/commands/tarn_commands_console.h"
 #include "tarn/commands/tarn_commands_facts.h"
 #include "tarn/commands/tarn_commands_line.h"
-#include "tarn/fleet/tarn_fleet_load.h"
+#include "tarn/fleet/load/tarn_fleet_load.h"
 
 namespace tarn {
 

@@ -1,7 +1,7 @@
 #include "tarn/fleet/tarn_fleet_database.h"
 
-#include "tarn/fleet/tarn_fleet_clickhouse.h"
-#include "tarn/fleet/tarn_fleet_sqlite.h"
+#include "tarn/fleet/clickhouse/tarn_fleet_clickhouse.h"
+#include "tarn/fleet/sqlite/tarn_fleet_sqlite.h"
 
 namespace tarn {
 

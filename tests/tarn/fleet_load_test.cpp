@@ -8,9 +8,9 @@
 #include <set>
 
 #include "tarn/document/tarn_document_siphash.h"
-#include "tarn/fleet/tarn_fleet_flatten.h"
-#include "tarn/fleet/tarn_fleet_log.h"
-#include "tarn/fleet/tarn_fleet_timeline.h"
+#include "tarn/fleet/load/tarn_fleet_flatten.h"
+#include "tarn/fleet/load/tarn_fleet_log.h"
+#include "tarn/fleet/load/tarn_fleet_timeline.h"
 
 using namespace tarn;
 

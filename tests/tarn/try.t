@@ -66,9 +66,9 @@ What the document does not say stands beside the answer.
 
 An interrupt ends the command, and the run goes on; a second one ends the run.
 
-  $ echo '{"a": "execute echo one; sleep 60 & sleep 60; echo lost", "b": "execute echo two"}' >hang.json
+  $ echo '{"a": "execute echo one; sleep 60.071 & sleep 60.071; echo lost", "b": "execute echo two"}' >hang.json
   $ timeout --foreground -s INT 1 tarn try hang.json -o hang.out
-  /a: execute echo one; sleep 60 & sleep 60; echo lost* (glob)
+  /a: execute echo one; sleep 60.071 & sleep 60.071; echo lost* (glob)
     one
     ! status 137
     - ended by an interrupt
@@ -80,22 +80,22 @@ An interrupt ends the command, and the run goes on; a second one ends the run.
     "a": "one\n",
     "b": "two\n"
   } (no-eol)
-  $ echo '{"a": "execute sleep 60", "b": "execute echo two"}' >group.json
+  $ echo '{"a": "execute sleep 60.071", "b": "execute echo two"}' >group.json
   $ bash -c 'set -m; tarn try group.json & sleep 1; kill -INT -- -$!; wait' 2>/dev/null
-  /a: execute sleep 60* (glob)
+  /a: execute sleep 60.071* (glob)
     (empty)
     ! status 13[07] (re)
     - ended by an interrupt
   /b: execute echo two
     two
-  $ echo '{"a": "execute sleep 61", "b": "execute sleep 62"}' >hang.json
+  $ echo '{"a": "execute sleep 61.071", "b": "execute sleep 62.071"}' >hang.json
   $ bash -c 'tarn try hang.json -o none.out & sleep 1; kill -INT $!; sleep 1; kill -INT $!; wait $!' 2>/dev/null
-  /a: execute sleep 61* (glob)
+  /a: execute sleep 61.071* (glob)
     (empty)
     ! status 137
     - ended by an interrupt
   [130]
-  $ test -e none.out || pgrep -f 'sleep 6[0-9]$'
+  $ test -e none.out || pgrep -f 'sleep 6[0-2][.]071$'
   [1]
 
 A template is planned as it runs; one that is none has no plan.
