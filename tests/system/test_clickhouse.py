@@ -127,6 +127,20 @@ def test_a_loader_that_is_killed_goes_on(shards, store, expected):
     assert answers(database, store) == expected
 
 
+def test_a_batch_that_broke_off_is_finished_before_others(shards, store, expected):
+    database = shards[0].name("broken")
+    load(database, store / "5")
+    for statement in ("RENAME TABLE broken.fact TO broken.away", "CREATE VIEW broken.fact AS SELECT 1"):
+        shards[0].ask(statement)
+    status, _, err = tarn("load", "--into", database, store / "2")
+    assert (status, err.count("\n")) == (2, 1)
+    for statement in ("DROP TABLE broken.fact", "RENAME TABLE broken.away TO broken.fact"):
+        shards[0].ask(statement)
+    load(database, store / "3")
+    load(database, store)
+    assert answers(database, store) == expected
+
+
 def test_two_loaders_at_once(shards, store, expected):
     database = shards[0].name("two")
     load(database, store / "0")

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <thread>
 
@@ -53,7 +54,7 @@ HttpOutcome rowsOf(FleetHttp* http, std::string_view statement, const TabRows::T
 HttpOutcome FleetClaim::take(const std::function<bool()>& waiting) {
   HttpOutcome problem = repeat(waiting, [this](bool* taken) { return tryToTake(taken); });
   problem = problem ? problem : repeat(waiting, [this](bool* alone) { return lookForOthers(alone); });
-  return problem ? problem : dropOlder();
+  return problem ? problem : readOlder();
 }
 
 HttpOutcome FleetClaim::repeat(const std::function<bool()>& waiting,
@@ -127,15 +128,27 @@ HttpOutcome FleetClaim::lookForOthers(bool* alone) {
   return problem || *alone ? problem : confirm();
 }
 
+HttpOutcome FleetClaim::readOlder() {
+  m_older.clear();
+  return rowsOf(m_http, fmt::format(kOlder, m_number), [this](std::span<const std::string_view> row) {
+    m_older.emplace_back(row[0]);
+    return true;
+  });
+}
+
+std::uint64_t FleetClaim::oldestHeld() const {
+  std::uint64_t oldest = m_number;
+  for (const std::string& table : m_older) {
+    oldest =
+        table.starts_with("held") ? std::min(oldest, numberIn(std::string_view(table).substr(5))) : oldest;
+  }
+  return oldest;
+}
+
 HttpOutcome FleetClaim::dropOlder() {
-  std::vector<std::string> older;
-  HttpOutcome problem =
-      rowsOf(m_http, fmt::format(kOlder, m_number), [&](std::span<const std::string_view> row) {
-        older.emplace_back(row[0]);
-        return true;
-      });
-  for (std::size_t at = 0; at < older.size() && !problem; ++at) {
-    problem = m_http->ask("DROP TABLE IF EXISTS " + older[at]);
+  HttpOutcome problem;
+  for (std::size_t at = 0; at < m_older.size() && !problem; ++at) {
+    problem = m_http->ask("DROP TABLE IF EXISTS " + m_older[at]);
   }
   return problem;
 }

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "tarn/fleet/clickhouse/tarn_fleet_http.h"
 
@@ -26,6 +27,11 @@ class FleetClaim {
 
   /// Waits for it. `waiting` is called each second and ends the waiting with false.
   HttpOutcome take(const std::function<bool()>& waiting);
+  /// The oldest number that was not given back, whose owner may have left work half done; our own when there
+  /// is none.
+  std::uint64_t oldestHeld() const;
+  /// Drops what others have held, once it is seen to.
+  HttpOutcome dropOlder();
   HttpOutcome giveBack();
 
   /// Says that the owner lives. A problem when somebody else has taken the claim over.
@@ -50,13 +56,14 @@ class FleetClaim {
   HttpOutcome tryToTake(bool* taken);
   HttpOutcome make(std::uint64_t number, bool* made);
   HttpOutcome lookForOthers(bool* alone);
-  HttpOutcome dropOlder();
+  HttpOutcome readOlder();
   bool isFree(const Newest& newest);
   std::string beatsOf(std::uint64_t number);
 
   FleetHttp* m_http;
   std::uint64_t m_number = 0;
-  std::string m_watched;  ///< the last sign of life of another owner
+  std::vector<std::string> m_older;  ///< tables
+  std::string m_watched;             ///< the last sign of life of another owner
   Clock::time_point m_watchedSince;
 };
 

@@ -134,12 +134,26 @@ FleetProblem ClickhouseDatabase::makeTables() {
 }
 
 FleetProblem ClickhouseDatabase::lock(const std::function<bool()>& waiting) {
-  return told(m_claim.take(waiting));
+  HttpOutcome problem = m_claim.take(waiting);
+  problem = problem ? problem : finishOthersWork();
+  m_isWhole = true;
+  return told(problem ? problem : m_claim.dropOlder());
+}
+
+/// Questions read what a loader writes second.
+HttpOutcome ClickhouseDatabase::finishOthersWork() {
+  const std::uint64_t oldest = m_claim.oldestHeld();
+  return oldest == m_claim.number()
+             ? std::nullopt
+             : m_http.ask(clickhouseStatement("finish", {{"version", std::to_string(oldest)}}));
 }
 
 FleetProblem ClickhouseDatabase::unlock() {
   FleetProblem problem = writeMoved();
   problem = problem ? problem : writeCopies();
+  if (!m_isWhole) {
+    return problem;  // the claim tells the next loader
+  }
   FleetProblem other = told(m_claim.giveBack());
   return problem ? problem : other;
 }

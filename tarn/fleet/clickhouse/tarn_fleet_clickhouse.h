@@ -1,9 +1,9 @@
 #pragma once
 /// The fleet's database on ClickHouse: one server, or a cluster behind one server's `Distributed` tables.
 ///
-/// A batch goes into the tables one after the other: facts, what changes by itself, histories, documents. A
-/// loader decides by histories and documents alone, so what was written before it was killed is written
-/// again.
+/// A batch goes into the tables one after the other: histories, facts, what changes by itself, documents. A
+/// loader decides by histories and documents alone; what one that was killed has not written into the others
+/// the next one writes before anything else.
 
 #include "tarn/fleet/clickhouse/tarn_fleet_claim.h"
 #include "tarn/fleet/clickhouse/tarn_fleet_http.h"
@@ -52,11 +52,13 @@ class ClickhouseDatabase : public FleetDatabase {
                         std::vector<HostHistory>* histories);
   FleetProblem readTexts(std::span<const RowWanted> rows, std::vector<RowTexts>* texts);
   FleetProblem makeTables();
+  HttpOutcome finishOthersWork();
   FleetProblem writeMoved();
   FleetProblem writeCopies();
 
   FleetHttp m_http;
   FleetClaim m_claim;
+  bool m_isWhole = true;  ///< what has been written since the claim was taken
   std::string m_database;
   std::vector<MovedDocument> m_moved;
   std::vector<FleetCopy> m_copies;

@@ -105,16 +105,17 @@ FleetProblem ClickhouseDatabase::write(const FleetBatch& batch) {
     const HttpOutcome problem = rows.empty() ? std::nullopt : m_claim.confirm();
     return problem ? problem : insertRows(&m_http, table, rows, write);
   };
-  HttpOutcome problem = insert("fact", facts, [version](const FleetFact* fact, RowBinaryWriter* row) {
-    writeFact(*fact, version, false, row);
+  m_isWhole = false;
+  HttpOutcome problem = insert("history", facts, [version](const FleetFact* fact, RowBinaryWriter* row) {
+    writeFact(*fact, version, true, row);
   });
   if (!problem) {
-    problem = insert("latest", batch.latest, writeLatest);
+    problem = insert("fact", facts, [version](const FleetFact* fact, RowBinaryWriter* row) {
+      writeFact(*fact, version, false, row);
+    });
   }
   if (!problem) {
-    problem = insert("history", facts, [version](const FleetFact* fact, RowBinaryWriter* row) {
-      writeFact(*fact, version, true, row);
-    });
+    problem = insert("latest", batch.latest, writeLatest);
   }
   if (!problem) {
     problem =
@@ -122,6 +123,7 @@ FleetProblem ClickhouseDatabase::write(const FleetBatch& batch) {
           writeDocument(document, version, row);
         });
   }
+  m_isWhole = !problem;
   return told(problem);
 }
 

@@ -133,12 +133,19 @@ void HostTimeline::meet(std::uint32_t place, Moment moment, const Said& said) {
     return;
   }
   insert(addRow(place, moment, said), after);
-  if (after != kNone && (*next == 0 || m_rows[after].since <= *next)) {
-    const bool isVoid = m_rows[after].value == said.value;
-    m_rows[after].isPut = m_rows[after].isPut || m_rows[after].isVoid != isVoid;
-    m_rows[after].isVoid = isVoid;
-  } else if (*next != 0) {
+  const bool isFollowed = after != kNone && m_rows[after].since <= *next;
+  if (*next != 0 && !isFollowed) {
     insert(addRow(place, *next, before), after);
+  }
+}
+
+/// A row is void that repeats the one before it. Where a loader did not get to finish, the database may say
+/// otherwise of rows that nobody has touched since.
+void HostTimeline::correctVoid() {
+  for (Row& row : m_rows) {
+    const bool isVoid = row.value == (row.before == kNone ? 0 : m_rows[row.before].value);
+    row.isPut = row.isPut || row.isVoid != isVoid;
+    row.isVoid = isVoid;
   }
 }
 
@@ -150,7 +157,8 @@ Moment HostTimeline::storedRow(const Place& place) const {
   return m_rows[row].since;
 }
 
-std::vector<HostTimeline::Put> HostTimeline::puts() const {
+std::vector<HostTimeline::Put> HostTimeline::puts() {
+  correctVoid();
   std::vector<Put> puts;
   for (const Row& row : m_rows) {
     if (row.isPut) {

@@ -40,7 +40,7 @@ class HostTimeline {
   /// False when the host has another document of that moment: nothing is taken. The document has to stay.
   bool take(const FlatDocument& document, Moment moment);
   /// What has to be written; each row once.
-  std::vector<Put> puts() const;
+  std::vector<Put> puts();
 
  private:
   static constexpr std::uint32_t kNone = 0xFFFFFFFF;
@@ -77,6 +77,7 @@ class HostTimeline {
   void meet(std::uint32_t place, Moment moment, const Said& said);
   std::uint32_t addRow(std::uint32_t place, Moment since, const Said& said);
   void insert(std::uint32_t row, std::uint32_t after);
+  void correctVoid();
   /// The moment of a row of that place that the database has.
   Moment storedRow(const Place& place) const;
   /// The next document behind the one that is being taken that holds the scope; 0 for none, nothing when
