@@ -66,12 +66,6 @@ mirel_string answer(const Group& group, const Item<Record> (&items)[count], cons
   return answerOf(items, group.record, item, otherwise);
 }
 
-/// What there is no memory for stays unknown, and costs no other group.
-template <class Query, class Group>
-void ask(const Query& query, Group* group) {
-  MemoryWatch::during([&] { group->code = query(&group->record); });
-}
-
 }  // namespace
 
 PlatformCollector::PlatformCollector() {
@@ -83,11 +77,12 @@ PlatformCollector::PlatformCollector() {
 
 void PlatformCollector::collect() {
   ossSysInfoOneTimeOnly();
-  ask(ossGetOSInfo, &m_os);
-  ask(ossGetCPUInfo, &m_cpu);
-  ask(ossGetPhysMemInfo, &m_memory);
-  ask(ossGetVirtualMemInfo, &m_virtualMemory);
-  ask(ossGetPhysSwapInfo, &m_swap);
+  // What there is no memory for stays unknown, and costs no other group.
+  MemoryWatch::during([this] { m_os.code = ossGetOSInfo(&m_os.record); });
+  MemoryWatch::during([this] { m_cpu.code = ossGetCPUInfo(&m_cpu.record); });
+  MemoryWatch::during([this] { m_memory.code = ossGetPhysMemInfo(&m_memory.record); });
+  MemoryWatch::during([this] { m_virtualMemory.code = ossGetVirtualMemInfo(&m_virtualMemory.record); });
+  MemoryWatch::during([this] { m_swap.code = ossGetPhysSwapInfo(&m_swap.record); });
   const OSSDiskInfoParam root = {OSS_VERSION_STAMP, "/", 1, -1};
   m_disk.code = ossGetDiskInfo(&root, &m_disk.record);
 }
