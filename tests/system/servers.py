@@ -129,7 +129,7 @@ class ClickHouse:
       <logger><level>warning</level><log>{folder}/log</log><errorlog>{folder}/errors</errorlog></logger>
       <listen_host>127.0.0.1</listen_host><http_port>{http}</http_port><tcp_port>{tcp}</tcp_port>
       <path>{folder}/data/</path><tmp_path>{folder}/tmp/</tmp_path><user_files_path>{folder}/files/</user_files_path>
-      <mark_cache_size>10000000</mark_cache_size><users_config>users.xml</users_config>
+      <mark_cache_size>100000000</mark_cache_size><users_config>users.xml</users_config>
       <default_profile>default</default_profile><default_database>default</default_database></yandex>"""
     USERS = """<yandex><profiles><default><max_memory_usage>500000000</max_memory_usage></default></profiles>
       <quotas><default/></quotas><users>

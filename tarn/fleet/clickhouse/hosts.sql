@@ -4,8 +4,15 @@ SELECT host, moment, file, state, problem, engine, version, database, answered, 
 FROM (
   SELECT host, moment, file, state, problem, engine, version, database, answered, asked
   FROM document
-  WHERE host != ''
-  ORDER BY host, problem IN ('future', 'other host'), moment DESC, hash DESC, written DESC
+  -- Which one it is takes few columns of all documents; the others are read of that one only.
+  WHERE (host, hash) IN (
+    SELECT host, hash
+    FROM document
+    WHERE host != ''
+    ORDER BY host, problem IN ('future', 'other host'), moment DESC, hash DESC
+    LIMIT 1 BY host
+  )
+  ORDER BY host, written DESC
   LIMIT 1 BY host
 ) AS newest
 ANY INNER JOIN (

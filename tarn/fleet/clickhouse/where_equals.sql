@@ -5,8 +5,8 @@ FROM (
   SELECT host, place, argMax(value, since) AS newest, argMax(there, since) AS holds
   FROM fact
   WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
-    AND (pointer, place, host) IN (
-      SELECT pointer, place, host FROM fact
+    AND sipHash64(place, host) IN (
+      SELECT sipHash64(place, host) FROM fact
       WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
         AND value = {value}
     )
@@ -15,8 +15,8 @@ FROM (
   SELECT host, place, argMax(value, since) AS newest, toUInt8(1) AS holds
   FROM latest
   WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
-    AND (pointer, place, host) IN (
-      SELECT pointer, place, host FROM latest
+    AND sipHash64(place, host) IN (
+      SELECT sipHash64(place, host) FROM latest
       WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
         AND value = {value}
     )

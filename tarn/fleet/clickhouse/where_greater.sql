@@ -15,9 +15,20 @@ FROM (
   GROUP BY pointer, place, host
 )
 WHERE holds = 1 AND place LIKE {like}
-  AND if({number} != '' AND match(newest, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$'),
-    toFloat64OrZero(newest) > toFloat64OrZero({number}),
-    ({number} = '' OR match(newest, '^[0-9]')) AND arrayStringConcat(arrayMap(run -> concat(
-      if(match(run, '^[0-9]'), reinterpretAsString(toUInt8(47 + least(length(run), 79))), ''), run),
-      extractAll(newest, '[0-9]+|[^0-9]+'))) > {sorted})
+  -- Each value is compared once.
+  AND newest IN (
+    SELECT value
+    FROM (
+      SELECT DISTINCT value FROM fact
+      WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+      UNION ALL
+      SELECT DISTINCT value FROM latest
+      WHERE pointer >= if({pointer} = '*', '', {pointer}) AND pointer <= if({pointer} = '*', '\xff', {pointer})
+    )
+    WHERE if({number} != '' AND match(value, '^[-+]?[0-9]{1,18}([.][0-9]{1,18})?([eE][-+]?[0-9]{1,3})?$'),
+        toFloat64OrZero(value) > toFloat64OrZero({number}),
+        ({number} = '' OR match(value, '^[0-9]')) AND arrayStringConcat(arrayMap(run -> concat(
+          if(match(run, '^[0-9]'), reinterpretAsString(toUInt8(47 + least(length(run), 79))), ''), run),
+          extractAll(value, '[0-9]+|[^0-9]+'))) > {sorted})
+  )
 ORDER BY host, place
